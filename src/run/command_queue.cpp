@@ -1,0 +1,122 @@
+#include "run/command_queue.h"
+
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+#include "run/host_memory.h"
+#include "run/import_run.h"
+
+namespace {
+
+constexpr std::size_t kLargestCapacity = std::numeric_limits<std::size_t>::max() / sizeof(ImportCommand*) / 2;
+
+// Entries keep their order and `head` its value: what had wrapped round moves behind the old end as far as the new room
+// goes, and the rest to the start of the new table.
+void Grow(CommandQueue& queue) {
+  std::size_t capacity = queue.capacity ? queue.capacity : 1;
+  while (capacity == queue.capacity || capacity < 8) {
+    if (capacity > kLargestCapacity) throw std::length_error("deque<T> too long");
+    capacity *= 2;
+  }
+  auto** slots = static_cast<ImportCommand**>(AllocateHost(capacity * sizeof(ImportCommand*)));
+  std::memset(slots, 0, capacity * sizeof(ImportCommand*));
+  for (std::size_t i = queue.head; i < queue.head + queue.capacity; ++i) {
+    slots[i & (capacity - 1)] = queue.slots[i & (queue.capacity - 1)];
+  }
+  FreeHost(queue.slots);
+  queue.slots = slots;
+  queue.capacity = capacity;
+}
+
+// Also resets `head` when the last record goes.
+void DropTail(CommandQueue& queue) {
+  queue.slots[(queue.head + queue.count - 1) & (queue.capacity - 1)]->key = KEY_NULL;
+  if (--queue.count == 0) queue.head = 0;
+}
+
+ImportCommand MakeRecord(CommandKey key, std::uint32_t size) {
+  ImportCommand record;
+  std::memset(&record, 0, sizeof record);
+  record.key = key;
+  record.size = size;
+  return record;
+}
+
+}  // namespace
+
+void PushCommand(const ImportCommand& record) {
+  CommandQueue& queue = run.commands;
+  if (queue.capacity <= queue.count + 1) Grow(queue);
+  queue.head &= queue.capacity - 1;
+  ImportCommand*& slot = queue.slots[(queue.head + queue.count) & (queue.capacity - 1)];
+  if (!slot) slot = static_cast<ImportCommand*>(AllocateHost(sizeof(ImportCommand)));
+  *slot = record;
+  ++queue.count;
+}
+
+void PushCommand(CommandKey key) { PushCommand(MakeRecord(key, 0)); }
+
+void PushValue(CommandKey key, std::int32_t value) {
+  ImportCommand record = MakeRecord(key, 0);
+  record.value = value;
+  PushCommand(record);
+}
+
+void PushMarker(CommandKey key, std::int32_t value) {
+  ImportCommand record = MakeRecord(key, 4);
+  record.value = value;
+  PushCommand(record);
+}
+
+void PushPayload(CommandKey key, std::uint32_t size, void* payload) {
+  ImportCommand record = MakeRecord(key, size);
+  record.data = payload;
+  try {
+    PushCommand(record);
+  } catch (...) {
+    FreeHost(payload);
+    throw;
+  }
+}
+
+void PushWidth(double width, std::uint32_t size) {
+  auto* payload = static_cast<double*>(AllocateHost(sizeof(double)));
+  *payload = width;
+  PushPayload(KEY_WIDT, size, payload);
+}
+
+ImportCommand PopCommand(CommandQueue& queue) {
+  if (queue.count == 0) return MakeRecord(KEY_NULL, 0);
+  ImportCommand& slot = *queue.slots[queue.head & (queue.capacity - 1)];
+  const ImportCommand record = slot;
+  slot.key = KEY_NULL;
+  if (--queue.count == 0) {
+    queue.head = 0;
+  } else {
+    ++queue.head;
+  }
+  return record;
+}
+
+void RollBackPath() {
+  CommandQueue& queue = run.commands;
+  for (std::size_t i = queue.count; i-- > 0;) {
+    const std::uint32_t key = queue.slots[(queue.head + i) & (queue.capacity - 1)]->key;
+    if (key != KEY_PATH && key != KEY_ELLI) continue;
+    // A path that is the first record has nothing in front of it to take.
+    const std::size_t target = i > 0 ? i - 1 : 0;
+    while (queue.count > target) DropTail(queue);
+    break;
+  }
+  run.path.PathOpen = 0;
+}
+
+void DestroyQueue(CommandQueue& queue) {
+  while (queue.count > 0) DropTail(queue);
+  for (std::size_t i = queue.capacity; i-- > 0;) {
+    if (queue.slots[i]) FreeHost(queue.slots[i]);
+  }
+  FreeHost(queue.slots);
+  queue = CommandQueue();
+}
