@@ -1,0 +1,65 @@
+// Clip paths, gradients and patterns by id, recorded before the first shape is translated, since references run
+// forwards.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "filter_limits.h"
+
+class IXMLDOMNode;
+
+enum GradientKind : std::int32_t { kLinearGradient = 0, kRadialGradient = 1 };
+
+struct DefinitionRecord {
+  char16_t id[kMaxIdUnits + 1];  // NUL-terminated, cut to its room
+  std::int32_t kind;             // GradientKind, in GradientDefs only
+  IXMLDOMNode* node;             // with one reference; null in the blank record
+};
+
+// `count` records from the host allocator, of which the last is blank and takes the next definition.
+struct DefinitionTable {
+  DefinitionRecord* records = nullptr;
+  std::int32_t count = 1;  // never reset, not even by CloseFile
+};
+
+struct DefinitionTables {
+  DefinitionTable ClipDefs;
+  DefinitionTable GradientDefs;
+  DefinitionTable PatternDefs;
+};
+
+// One blank record more than the table has definitions; all records blank. Throws std::bad_alloc.
+void AllocateDefinitions(DefinitionTable& table);
+// Releases the nodes and frees the table. The count stays.
+void FreeDefinitions(DefinitionTable& table);
+
+// Records the clip paths, patterns and gradients among the children of one "defs" element. Children of children are not
+// entered.
+void RunDefinitionsPrePass(IXMLDOMNode* defs);
+
+// These take the reference to the node over.
+bool RecordClipDef(IXMLDOMNode* node);
+bool RecordGradientDef(IXMLDOMNode* node, GradientKind kind);
+
+// The lookups compare without regard to case, and the first match counts; null when there is none. A clip's id is
+// compared whole. A gradient's and a pattern's is compared over the reference's length alone, so that "a" finds "a1";
+// an empty reference finds none.
+const DefinitionRecord* FindClipDef(std::u16string_view reference);
+const DefinitionRecord* FindGradientDef(std::u16string_view reference);
+const DefinitionRecord* FindPatternDef(std::u16string_view reference);
+
+// Enters a definition for the time of its translation. False when it has to count as not found: it is being translated
+// already, it would be too deep, or the import has entered too many.
+class EnteredDefinition {
+ public:
+  explicit EnteredDefinition(const DefinitionRecord& record);
+  ~EnteredDefinition();
+  EnteredDefinition(const EnteredDefinition&) = delete;
+  EnteredDefinition& operator=(const EnteredDefinition&) = delete;
+  explicit operator bool() const { return entered_; }
+
+ private:
+  bool entered_;
+};

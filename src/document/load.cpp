@@ -1,0 +1,170 @@
+#include "document/load.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "document/node_access.h"
+#include "filter_limits.h"
+#include "platform/host_path.h"
+#include "platform/narrow_text.h"
+#include "platform/xml_document.h"
+#include "run/import_run.h"
+
+namespace {
+
+constexpr double kMillimetreScale = 0.1;
+
+class OpenFile {
+ public:
+  explicit OpenFile(const char16_t* path) : fd_(OpenHostFileForReading(path)) {}
+  ~OpenFile() {
+    if (fd_ >= 0) close(fd_);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  int fd() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+std::unique_ptr<char[]> TryAllocateCleared(std::size_t size) {
+  return std::unique_ptr<char[]>(new (std::nothrow) char[size]());
+}
+
+// Reads until the bytes are in, the file ends or a read fails, and returns what came in. The remaining count goes down
+// by what was asked for, not by what came.
+std::size_t ReadBytes(int fd, char* to, std::size_t size) {
+  std::size_t total = 0;
+  for (std::size_t remaining = size; remaining > 0;) {
+    const std::size_t asked = std::min(remaining, kMaxReadRequest);
+    const ssize_t came = read(fd, to + total, asked);
+    if (came < 0) return static_cast<std::size_t>(-1);
+    if (came == 0) break;
+    total += static_cast<std::size_t>(came);
+    remaining -= asked;
+  }
+  return total;
+}
+
+void KeepText(std::unique_ptr<char[]> text, std::size_t size) {
+  run.file.FileBuffer = std::move(text);
+  run.file.FileBufferSize = size;
+}
+
+const char* FindBytes(const char* text, const char* end, std::string_view bytes) {
+  const void* found = memmem(text, static_cast<std::size_t>(end - text), bytes.data(), bytes.size());
+  return found ? static_cast<const char*>(found) : end;
+}
+
+const char* EndOfText(const char* text, std::size_t size) { return text + strnlen(text, size); }
+
+bool IsDigitByte(char c) { return c >= '0' && c <= '9'; }
+
+void Check(HRESULT status) {
+  if (Failed(status)) throw DocumentError(status, "IXMLDOMDocument");
+}
+
+}  // namespace
+
+bool ReadWholeFile(const char16_t* path) {
+  if (!path || !HostFileExists(path)) return false;
+  const OpenFile file(path);
+  if (file.fd() < 0) return false;
+  struct stat status;
+  if (fstat(file.fd(), &status) != 0 || status.st_size <= 0) return false;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  std::unique_ptr<char[]> block = TryAllocateCleared(size + 1);
+  if (!block) return false;
+  if (ReadBytes(file.fd(), block.get(), size) != size) {
+    KeepText(nullptr, 0);
+    return false;
+  }
+  // What lies behind a NUL is lost at this stage, but the block has room for it.
+  KeepText(std::move(block), std::strlen(block.get()) + 1);
+  return true;
+}
+
+bool ReadForLoading(const char16_t* path) {
+  const OpenFile file(path);
+  if (file.fd() < 0) return true;
+  const auto size = static_cast<std::uint32_t>(lseek(file.fd(), 0, SEEK_END));
+  lseek(file.fd(), 0, SEEK_SET);
+  if (size == 0) return false;
+  std::unique_ptr<char[]> block(new char[std::size_t{size} + 1]());
+  ReadBytes(file.fd(), block.get(), size);
+  BlankDoctype(block.get(), size);
+  if (IsInMillimetres(block.get(), size)) run.UnitScale = kMillimetreScale;
+  KeepText(std::move(block), std::size_t{size} + 1);
+  return true;
+}
+
+void BlankDoctype(char* text, std::size_t size) {
+  const char* const end = EndOfText(text, size);
+  const char* found = FindBytes(text, end, "!DOCTYPE");
+  if (found == end) return;
+  char* c = text + (found - text);
+  while (c > text && *c != '<') --c;
+  for (; c != end && *c != '>'; ++c) *c = ' ';
+  if (c != end) *c = '\n';
+}
+
+bool IsInMillimetres(const char* text, std::size_t size) {
+  constexpr std::string_view kWord = "width";
+  const char* const end = EndOfText(text, size);
+  const char* c = FindBytes(text, end, kWord);
+  if (c == end) return false;
+  c += kWord.size();
+  while (c != end && !IsDigitByte(*c)) ++c;
+  while (c != end && (IsDigitByte(*c) || *c == '.')) ++c;
+  while (c != end && *c == ' ') ++c;
+  return c != end && *c == 'm';
+}
+
+IXMLDOMNode* LoadDocument() {
+  const std::string_view bytes(run.file.FileBuffer.get());
+  if (bytes.size() > kMaxDocumentBytes) throw DocumentError(kInvalidArgument, "IXMLDOMDocument");
+  std::u16string text;
+  AppendWideFromNarrow(text, bytes);
+
+  run.DomDocument = nullptr;
+  IXMLDOMDocument* document = run.CreateDocument();
+  if (!document) throw DocumentError(kNullPointer, "IXMLDOMDocument");
+  run.ownedDocument.reset(document);
+  bool validate = false;
+  document->get_validateOnParse(&validate);
+  document->put_validateOnParse(true);
+  document->put_async(false);
+  IXMLDOMNode* doctype = nullptr;
+  document->get_doctype(&doctype);
+  if (doctype) doctype->Release();
+  bool success = false;
+  Check(document->loadXML(text, &success));
+  if (success) {
+    IXMLDOMNode* element = nullptr;
+    Check(document->get_documentElement(&element));
+    run.DomDocument = document;
+    return element;
+  }
+  IXMLDOMParseError* error = nullptr;
+  document->get_parseError(&error);
+  if (error) {
+    std::u16string_view dropped;
+    std::int32_t code;
+    error->get_srcText(&dropped);
+    error->get_reason(&dropped);
+    error->get_errorCode(&code);
+    error->Release();
+  }
+  run.ownedDocument.reset();
+  return nullptr;
+}
+
+std::u16string_view GetRootHeight() { return GetNodeAttribute(run.RootNode, u"height"); }
