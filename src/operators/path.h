@@ -1,0 +1,26 @@
+// Path construction: moveto, lineto and curves become records, one by one, as they come. No operator reports anything.
+#pragma once
+
+#include "operators/path_state.h"
+
+struct OperatorCall;
+
+// Queues a straight segment between two points of device space. Nothing is queued when memory has run out.
+void QueueDeviceLine(Point from, Point to);
+// The same between two points of user space.
+void QueueLine(Point from, Point to);
+// Queues a cubic, all points in device space. Nothing is queued when memory has run out.
+void QueueBezier(Point start, Point control1, Point control2, Point end);
+
+void OperatorMoveTo(const OperatorCall&);
+void OperatorLineTo(const OperatorCall&);
+void OperatorHorizontal(const OperatorCall&);
+void OperatorVertical(const OperatorCall&);
+void OperatorCurve(const OperatorCall&);
+void OperatorSmoothCurve(const OperatorCall&);
+void OperatorQuadratic(const OperatorCall&);
+void OperatorSmoothQuadratic(const OperatorCall&);
+void OperatorCurveToEnd(const OperatorCall&);
+void OperatorMoveToAbsolute(const OperatorCall&);
+void OperatorLineToAbsolute(const OperatorCall&);
+void OperatorCurveAbsolute(const OperatorCall&);

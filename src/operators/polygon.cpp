@@ -1,0 +1,307 @@
+#include "operators/polygon.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+#include "host/polygon.h"
+#include "operators/operand_stack.h"
+#include "operators/operator_machine.h"
+#include "operators/path.h"
+#include "run/command_queue.h"
+#include "run/host_memory.h"
+#include "run/import_run.h"
+
+namespace {
+
+// The constants are used as they stand, not as multiples of an exact pi.
+constexpr double kStep = 0.174;  // radians
+constexpr double kDegreesPerRadian = 57.29578;
+constexpr double kFullTurn = 6.283185253783088;
+constexpr double kThreeQuarterTurn = 4.712388940337316;
+constexpr double kHalfTurn = 3.141592626891544;
+constexpr double kQuarterTurn = 1.570796313445772;
+constexpr double kAlmostFullTurn = 6.1;  // an arc that sweeps more ends on its start
+
+void BeginPolygon() {
+  run.currentPolygon = new (AllocateHost(sizeof(POLYGON))) POLYGON;
+  POLYGON& polygon = *run.currentPolygon;
+  polygon.flags = (polygon.flags & ~0xFu) | kPolygonInUse;
+  polygon.scaleX = run.UnitScale;
+  polygon.scaleY = run.UnitScale;
+}
+
+// Sides may move with each one that is added, so that they are looked up anew each time.
+PolygonSide& AddSide(Point host) {
+  POLYGON& polygon = *run.currentPolygon;
+  const std::int64_t i = polygon.get_sides();
+  polygon.add_side();
+  PolygonSide& side = polygon.sides[i];
+  side.x = host.x;
+  side.y = host.y;
+  return side;
+}
+
+void AddCurveSide(Point user) {
+  PolygonSide& side = AddSide(ToHost(ToDevice(user)));
+  side.flags = (side.flags & ~std::uint32_t{kSideCloses | kSideMarked}) | kSideCurve;
+  run.currentPolygon->flags |= kPolygonCurved;
+}
+
+void AddStraightSide(Point user) {
+  PolygonSide& side = AddSide(ToHost(ToDevice(user)));
+  side.flags &= ~std::uint32_t{kSideCloses | kSideCurve | kSideMarked};
+}
+
+bool SamePlace(const PolygonSide& a, const PolygonSide& b) { return a.x == b.x && a.y == b.y; }
+
+void FinishPolygon() {
+  POLYGON* polygon = run.currentPolygon;
+  const std::int64_t n = polygon->get_sides();
+  if (n < 2) {
+    DropPolygon();
+    return;
+  }
+  PolygonSide* sides = polygon->sides;
+  if (n == 3 && SamePlace(sides[2], sides[0])) sides[1].flags |= kSideCloses;
+  if (SamePlace(sides[n - 1], sides[0])) {
+    polygon->del_side();
+  } else {
+    sides[n - 1].flags |= kSideCloses;
+  }
+  ImportCommand record = {};
+  record.key = KEY_PLYR;
+  record.size = sizeof(POLYGON);
+  record.data = polygon;
+  PushCommand(record);
+  run.currentPolygon = nullptr;
+}
+
+struct Arc {
+  double rx, ry;
+  double rotation;  // degrees
+  bool largeArc, sweep;
+  Point start, end;
+
+  Point centre;
+  double startAngle, sweepAngle;  // degrees
+};
+
+// The angle whose cosine is x, in degrees. An argument that rounding carried beyond the ends counts as the end.
+double ArcCosine(double x) {
+  if (x > 1.0) x = 1.0;
+  if (x < -1.0) x = -1.0;
+  return std::acos(x) * kDegreesPerRadian;
+}
+
+// From end points to centre and angles; the radii come out large enough to reach.
+void ArcToCentre(Arc& arc) {
+  const double dx = (arc.start.x - arc.end.x) * 0.5;
+  const double dy = (arc.start.y - arc.end.y) * 0.5;
+  const double phi = arc.rotation / kDegreesPerRadian;
+  const double c = std::cos(phi);
+  const double s = std::sin(phi);
+  double rx = std::fabs(arc.rx);
+  double ry = std::fabs(arc.ry);
+  const double x = c * dx + s * dy;
+  const double y = c * dy - s * dx;
+  const double lambda = x * x / (rx * rx) + y * y / (ry * ry);
+  if (lambda > 1.0) {
+    rx *= std::sqrt(lambda);
+    ry *= std::sqrt(lambda);
+  }
+  arc.rx = rx;
+  arc.ry = ry;
+
+  const double rx2 = rx * rx;
+  const double ry2 = ry * ry;
+  const double q = (rx2 * ry2 - rx2 * (y * y) - ry2 * (x * x)) / (ry2 * (x * x) + rx2 * (y * y));
+  double k = std::sqrt(std::max(0.0, q));
+  if (arc.largeArc == arc.sweep) k = -k;
+  const double cx = k * y * rx / ry;
+  const double cy = -k * x * ry / rx;
+  arc.centre.x = c * cx - s * cy + (arc.start.x + arc.end.x) * 0.5;
+  arc.centre.y = c * cy + s * cx + (arc.start.y + arc.end.y) * 0.5;
+
+  const Point u = {(x - cx) / rx, (y - cy) / ry};
+  const Point v = {(-x - cx) / rx, (-y - cy) / ry};
+  const double lengthU = std::sqrt(u.x * u.x + u.y * u.y);
+  const double lengthV = std::sqrt(v.x * v.x + v.y * v.y);
+  arc.startAngle = ArcCosine(u.x / lengthU);
+  if (u.y < 0.0) arc.startAngle = -arc.startAngle;
+  double delta = ArcCosine((u.x * v.x + u.y * v.y) / (lengthU * lengthV));
+  if (u.x * v.y - u.y * v.x < 0.0) delta = -delta;
+  if (arc.sweep && delta < 0.0) delta += 360.0;
+  if (!arc.sweep && delta > 0.0) delta -= 360.0;
+  arc.sweepAngle = delta;
+}
+
+void EndArc() { PushCommand(KEY_NULL); }
+
+// An arc that has no centre becomes the straight segment to its end.
+void StraightArc(Point end) {
+  const Point device = ToDevice(end);
+  if (device != run.path.deviceCurrent) QueueDeviceLine(run.path.deviceCurrent, device);
+  run.path.deviceCurrent = device;
+  EndArc();
+}
+
+// The pen in user space, out of the device pen: an arc always starts there. False when the current matrix has no
+// inverse.
+bool DevicePenToUser(Point* user) {
+  const TM& m = CurrentFrame().currentMatrix;
+  const double determinant = m.d * m.a - m.c * m.b;
+  if (determinant == 0.0) return false;
+  TM inverse;
+  inverse.a = m.d / determinant;
+  inverse.b = -m.b / determinant;
+  inverse.c = -m.c / determinant;
+  inverse.d = m.a / determinant;
+  inverse.e = -(inverse.c * m.f + inverse.a * m.e);
+  inverse.f = -(inverse.d * m.f + inverse.b * m.e);
+  *user = TransformPoint(inverse, run.path.deviceCurrent);
+  return true;
+}
+
+// A corner of a rectangle: the samples behind the first angle, which falls to the second.
+void AddCorner(Point centre, double rx, double ry, double from, double to) {
+  for (double angle = from - kStep; angle > to; angle -= kStep) {
+    AddCurveSide({centre.x + rx * std::cos(angle), centre.y + ry * std::sin(angle)});
+  }
+}
+
+void AddEllipse(Point centre, double rx, double ry) {
+  BeginPolygon();
+  for (double angle = 0.0; angle < kFullTurn; angle += kStep) {
+    AddCurveSide({centre.x + rx * std::cos(angle), centre.y + ry * std::sin(angle)});
+  }
+  const Point last = {centre.x + rx * std::cos(0.0), centre.y + ry * std::sin(0.0)};
+  AddCurveSide(last);
+  FinishPolygon();
+  run.path.deviceCurrent = ToDevice(last);
+}
+
+}  // namespace
+
+void DropPolygon() {
+  if (!run.currentPolygon) return;
+  run.currentPolygon->~POLYGON();
+  FreeHost(run.currentPolygon);
+  run.currentPolygon = nullptr;
+}
+
+// A, a: rx ry rotation largeArc sweep x y -> -. The polygon lies among the segments of the path. Of the pen only its
+// device side moves, so that a relative operator behind an arc still measures from the point before it: it is meant.
+void OperatorArc(const OperatorCall& call) {
+  PathState& path = run.path;
+  Point pen;
+  const bool invertible = DevicePenToUser(&pen);
+  if (!invertible) pen = path.userCurrent;
+
+  Arc arc;
+  arc.end.y = PopNumberOrZero();
+  arc.end.x = PopNumberOrZero();
+  arc.sweep = PopIntegerOrZero() != 0;
+  arc.largeArc = PopIntegerOrZero() != 0;
+  arc.rotation = PopNumberOrZero();
+  arc.ry = PopNumberOrZero();
+  if (!PopNumber(&arc.rx)) return;
+  if (call.token[0] == u'a') arc.end = {arc.end.x + pen.x, arc.end.y + pen.y};
+  if (!invertible || arc.rx == 0.0 || arc.ry == 0.0 || arc.end == pen) {
+    StraightArc(arc.end);
+    return;
+  }
+
+  arc.start = pen;
+  ArcToCentre(arc);
+  if (arc.startAngle < 0.0) arc.startAngle += 360.0;
+  const double endAngle = arc.startAngle + arc.sweepAngle;
+  const double rotation = arc.rotation / kDegreesPerRadian;
+  const double start = arc.startAngle / kDegreesPerRadian;
+  const double end = endAngle / kDegreesPerRadian;
+  const double c = std::cos(rotation);
+  const double s = std::sin(rotation);
+  const auto sample = [&](double angle) {
+    const double x = arc.rx * std::cos(angle);
+    const double y = arc.ry * std::sin(angle);
+    return Point{c * x - s * y + arc.centre.x, s * x + c * y + arc.centre.y};
+  };
+
+  BeginPolygon();
+  // The first sample is the pen itself, exactly.
+  if (arc.sweep ? end > start : start > end) {
+    AddCurveSide(pen);
+    if (arc.sweep) {
+      for (double angle = start + kStep; end > angle; angle += kStep) AddCurveSide(sample(angle));
+    } else {
+      for (double angle = start - kStep; angle > end; angle -= kStep) AddCurveSide(sample(angle));
+    }
+  }
+  const Point last = sample(std::fabs(start - end) > kAlmostFullTurn ? start : end);
+  AddCurveSide(last);
+  FinishPolygon();
+  EndArc();
+  path.deviceCurrent = ToDevice(last);
+}
+
+// rect: width height x y rx ry -> -. The path state is left alone.
+void OperatorRectangle(const OperatorCall&) {
+  double ry = PopNumberOrZero();
+  double rx = PopNumberOrZero();
+  const double y = PopNumberOrZero();
+  const double x = PopNumberOrZero();
+  const double height = PopNumberOrZero();
+  const double width = PopNumberOrZero();
+  if (rx + rx > width) rx = width * 0.5;
+  if (ry + ry > height) ry = height * 0.5;
+  const double right = x + width;
+  const double bottom = y + height;
+  const double innerRight = right - rx;
+  const double innerBottom = bottom - ry;
+  const double innerLeft = x + rx;
+  const double innerTop = y + ry;
+  const bool round = rx > 0.0 || ry > 0.0;
+
+  BeginPolygon();
+  AddStraightSide({innerRight, bottom});
+  if (round) {
+    AddCorner({innerRight, innerBottom}, rx, ry, kQuarterTurn, 0.0);
+    AddStraightSide({right, innerBottom});
+  }
+  AddStraightSide({right, innerTop});
+  if (round) {
+    AddCorner({innerRight, innerTop}, rx, ry, kFullTurn, kThreeQuarterTurn);
+    AddStraightSide({innerRight, y});
+  }
+  AddStraightSide({innerLeft, y});
+  if (round) {
+    AddCorner({innerLeft, innerTop}, rx, ry, kThreeQuarterTurn, kHalfTurn);
+    AddStraightSide({x, innerTop});
+  }
+  AddStraightSide({x, innerBottom});
+  if (round) {
+    AddCorner({innerLeft, innerBottom}, rx, ry, kHalfTurn, kQuarterTurn);
+    AddStraightSide({innerLeft, bottom});
+  }
+  const PolygonSide first = run.currentPolygon->sides[0];
+  PolygonSide& closing = AddSide({first.x, first.y});
+  closing.flags |= kSideCloses;
+  FinishPolygon();
+}
+
+// E, wE: cx cy rx ry -> -
+void OperatorEllipse(const OperatorCall&) {
+  const double ry = PopNumberOrZero();
+  const double rx = PopNumberOrZero();
+  const double cy = PopNumberOrZero();
+  const double cx = PopNumberOrZero();
+  AddEllipse({cx, cy}, rx, ry);
+}
+
+// ci?: cx cy r -> -
+void OperatorCircle(const OperatorCall&) {
+  const double r = PopNumberOrZero();
+  const double cy = PopNumberOrZero();
+  const double cx = PopNumberOrZero();
+  AddEllipse({cx, cy}, r, r);
+}
