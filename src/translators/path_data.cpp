@@ -1,0 +1,255 @@
+#include "translators/path_data.h"
+
+#include <algorithm>
+#include <string>
+
+#include "document/node_access.h"
+#include "operators/operator_machine.h"
+#include "operators/path_end.h"
+#include "run/import_run.h"
+#include "run/number_text.h"
+#include "translators/clip_reference.h"
+#include "translators/shapes.h"
+#include "translators/transform.h"
+
+namespace {
+
+bool IsExponent(char16_t c) { return c == u'E' || c == u'e'; }
+bool IsNumberUnit(char16_t c) { return (c >= u'*' && c <= u'9' && c != u',') || IsExponent(c); }
+bool IsSkippedSpace(char16_t c) { return c == u'\t' || c == u'\n' || c == u'\r'; }
+
+// A text that reads as NUL behind its end.
+class Cursor {
+ public:
+  Cursor(ScanFrom from, std::u16string_view in) : in_(in) {
+    if (from == ScanFrom::Letter && !in.empty()) Take();
+    while (Unit() == u' ') Take();
+  }
+  char16_t Unit() const { return i_ < in_.size() ? in_[i_] : u'\0'; }
+  void Take() {
+    ++i_;
+    ++consumed_;
+  }
+  void PassOver() { ++i_; }
+  std::size_t consumed() const { return consumed_; }
+
+ private:
+  std::u16string_view in_;
+  std::size_t i_ = 0;
+  std::size_t consumed_ = 0;
+};
+
+// Copies one number of a pair. A tab or line end does not end it; in the first number it begins the test for a unit
+// already copied anew. A "-" behind a copied unit, outside an exponent, ends the number with a blank.
+void CopyPairNumber(Cursor& cursor, GrowingText& out, bool restarts) {
+  bool copied = false;
+  bool exponent = false;
+  while (true) {
+    const char16_t c = cursor.Unit();
+    if (IsNumberUnit(c)) {
+      if (IsExponent(c)) exponent = true;
+      if (c == u'-' && copied && !exponent) {
+        out.Push(u' ');
+        return;
+      }
+      out.Push(c);
+      copied = true;
+      cursor.Take();
+    } else if (IsSkippedSpace(c)) {
+      cursor.PassOver();
+      if (restarts) copied = false;
+    } else {
+      return;
+    }
+  }
+}
+
+// Separators as text hold blanks only.
+void PushSeparator(Cursor& cursor, GrowingText& out) {
+  out.Push(u' ');
+  cursor.Take();
+}
+
+bool IsSeparator(char16_t c) { return c == u' ' || c == u','; }
+
+// The letters of a path's data, and how they become operator text.
+class PathWriter {
+ public:
+  explicit PathWriter(std::u16string_view data) : data_(data) {}
+  void Run();
+
+ private:
+  char16_t Unit() const { return i_ < data_.size() ? data_[i_] : u'\0'; }
+  bool Dispatch(char16_t letter, ScanFrom from);
+  void Pair(ScanFrom from) { i_ += ScanCoordinatePair(from, data_.substr(Here()), number_); }
+  void Number(ScanFrom from) { i_ += ScanNumber(from, data_.substr(Here()), number_); }
+  void Push() { FeedOperatorText(number_, kPushOnly); }
+  void Execute(char16_t letter);
+  void PushFlags();
+  std::size_t Here() const { return i_ < data_.size() ? i_ : data_.size(); }
+
+  std::u16string_view data_;
+  std::size_t i_ = 0;
+  GrowingText number_;
+  char16_t added_ = 0;  // behind the letter of every operator once an S or a T has set it, to the end of the element
+  char16_t remembered_ = 0;  // what numbers without a letter repeat
+};
+
+void PathWriter::Execute(char16_t letter) {
+  number_.Push(u' ');
+  number_.Push(letter);
+  if (added_) number_.Push(added_);
+  FeedOperatorText(number_, kExecute);
+}
+
+// The next two digits, wherever they stand. One that is not there leaves its place empty.
+void PathWriter::PushFlags() {
+  number_.Clear();
+  for (int flag = 0; flag < 2; ++flag) {
+    while (i_ < data_.size() && !IsDigit(data_[i_])) ++i_;
+    if (i_ < data_.size()) number_.Push(data_[i_++]);
+    number_.Push(u' ');
+  }
+  Push();
+}
+
+// False when the letter is no command.
+bool PathWriter::Dispatch(char16_t letter, ScanFrom from) {
+  switch (letter) {
+    case u'L':
+    case u'M':
+    case u'l':
+    case u'm':
+      Pair(from);
+      break;
+    case u'H':
+    case u'V':
+    case u'h':
+    case u'v':
+      Number(from);
+      break;
+    case u'C':
+    case u'c':
+      Pair(from);
+      Push();
+      Pair(ScanFrom::Number);
+      Push();
+      Pair(ScanFrom::Number);
+      break;
+    case u'S':
+    case u's':
+      added_ = u'c';
+      Pair(from);
+      Push();
+      Pair(ScanFrom::Number);
+      break;
+    case u'Z':
+    case u'z':
+      FeedOperatorText(u"Z", kExecute);
+      ++i_;
+      return true;
+    case u'T':
+    case u't':
+      added_ = u'p';
+      Pair(from);
+      break;
+    case u'Q':
+    case u'q':
+      Pair(from);
+      Push();
+      Pair(ScanFrom::Number);
+      break;
+    case u'A':
+    case u'a':
+      Pair(from);
+      Push();
+      Number(ScanFrom::Number);
+      Push();
+      PushFlags();
+      Pair(ScanFrom::Number);
+      break;
+    default:
+      return false;
+  }
+  Execute(letter);
+  remembered_ = letter == u'M' ? u'L' : letter == u'm' ? u'l' : letter;
+  return true;
+}
+
+// Stops without a word at the first unit that is no command. A digit or a "-" repeats the last command; a "." or a "+"
+// does not.
+void PathWriter::Run() {
+  while (true) {
+    while (i_ < data_.size() && data_[i_] <= 32) ++i_;
+    if (i_ >= data_.size()) return;
+    const char16_t c = Unit();
+    const bool repeat = IsDigit(c) || c == u'-';
+    if (!Dispatch(repeat ? remembered_ : c, repeat ? ScanFrom::Number : ScanFrom::Letter)) return;
+  }
+}
+
+}  // namespace
+
+std::size_t ScanCoordinatePair(ScanFrom from, std::u16string_view in, GrowingText& out) {
+  out.Clear();
+  Cursor cursor(from, in);
+  CopyPairNumber(cursor, out, true);
+  while (IsSeparator(cursor.Unit())) PushSeparator(cursor, out);
+  CopyPairNumber(cursor, out, false);
+  if (IsSeparator(cursor.Unit())) PushSeparator(cursor, out);
+  return cursor.consumed();
+}
+
+std::size_t ScanNumber(ScanFrom from, std::u16string_view in, GrowingText& out) {
+  out.Clear();
+  Cursor cursor(from, in);
+  bool exponent = false;
+  bool point = false;
+  while (true) {
+    const char16_t c = cursor.Unit();
+    if (IsNumberUnit(c)) {
+      if (IsExponent(c)) exponent = true;
+      if (c == u'-' && !out.empty() && !exponent) break;
+      if (c == u'.') {
+        if (point) break;
+        point = true;
+      }
+      out.Push(c);
+      cursor.Take();
+    } else if (IsSkippedSpace(c)) {
+      cursor.PassOver();
+    } else {
+      break;
+    }
+  }
+  return cursor.consumed();
+}
+
+void TranslatePath(IXMLDOMNode* node) {
+  PushGraphicsState();
+  ParseTransform(GetNodeAttribute(node, u"transform"), MatrixTarget::Current);
+  const std::u16string_view clip = GetNodeAttribute(node, u"clip-path");
+  if (!clip.empty()) ApplyClipReference(clip);
+  ApplyStyleOrFold(node);
+  // Line ends separate numbers here, where tabs do not.
+  std::u16string_view data = GetNodeAttribute(node, u"d");
+  std::u16string oneLine;
+  if (data.find_first_of(u"\r\n") != data.npos) {
+    oneLine = data;
+    std::replace_if(
+        oneLine.begin(), oneLine.end(), [](char16_t c) { return c == u'\r' || c == u'\n'; }, u' ');
+    data = oneLine;
+  }
+  PathWriter(data).Run();
+  if (!data.empty()) {
+    if (run.paint.FillGiven == 1) {
+      FeedOperatorText(u"Z", kExecute);
+      run.paint.FillGiven = 0;
+    }
+    FeedOperatorText(u"Z2", kExecute);
+    FeedOperatorText(u"0 0 M", kExecute);
+  }
+  EndPath();
+  PopGraphicsState();
+  if (!clip.empty()) CloseClippedElement();
+}
