@@ -22,5 +22,5 @@ bool WriteAll(int descriptor, std::string_view bytes);
 // `CreateReplacingFile` with this content. False on failure; what was written by then stays.
 bool WriteReplacingFile(std::u16string_view path, std::string_view bytes);
 
-// Removes a file or a link; false when there was none or it can't be removed.
+// Removes a file; false when there was none or it cannot be removed.
 bool RemoveHostFile(std::u16string_view path);

@@ -109,9 +109,9 @@ class IXMLDOMDocument {
   virtual HRESULT put_async(bool async) = 0;
   // Always null with kFalse.
   virtual HRESULT get_doctype(IXMLDOMNode** doctype) = 0;
-  // Replaces the tree by that of `text`, which is read during the call only. `*success` tells whether it was taken.
-  // A text that is refused gives kFalse, one of more than 0x7FFFFFFF units kInvalidArgument, and a lack of memory
-  // kOutOfMemory, each with `*success` false and an empty document.
+  // Replaces the tree by that of `text`, which is read during the call only; the nodes of the tree before are gone.
+  // `*success` tells whether it was taken. A text that is refused gives kFalse, one of more than 0x7FFFFFFF units
+  // kInvalidArgument, and a lack of memory kOutOfMemory, each with `*success` false and an empty document.
   virtual HRESULT loadXML(std::u16string_view text, bool* success) = 0;
   // Null with kFalse when nothing is loaded.
   virtual HRESULT get_documentElement(IXMLDOMNode** element) = 0;
@@ -124,7 +124,8 @@ class IXMLDOMDocument {
 // A new, empty document with one reference; null when there is no memory for it.
 IXMLDOMDocument* CreateDomDocument();
 
-// How many references to nodes, maps and lists of this document are out. `document` must come from `CreateDomDocument`.
+// How many references to nodes, maps, lists and parse errors of this document are out. `document` must come from
+// `CreateDomDocument`.
 std::int64_t OutstandingNodeReferences(const IXMLDOMDocument* document);
 
 // A document call that reported failure.

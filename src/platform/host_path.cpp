@@ -1,0 +1,103 @@
+#include "platform/host_path.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/narrow_text.h"
+
+namespace {
+
+constexpr char16_t kSeparators[] = u"/\\";
+
+// Calls `take` with the native name of each spelling in turn, until it returns true. Returns whether it did.
+template <typename Take>
+bool TrySpellings(std::u16string_view path, Take take) {
+  if (path.empty() || path.find(u'\0') != std::u16string_view::npos) return false;
+  std::u16string slashed(path);
+  std::replace(slashed.begin(), slashed.end(), u'\\', u'/');
+  for (const std::u16string_view spelling : {path, std::u16string_view(slashed)}) {
+    const std::string utf8 = Utf8FromWide(spelling);
+    if (WideFromUtf8(utf8) == spelling && take(utf8)) return true;
+    const std::string narrow = NarrowFromWide(spelling);
+    if (narrow != utf8 && WideFromNarrow(narrow) == spelling && take(narrow)) return true;
+    if (slashed == path) break;
+  }
+  return false;
+}
+
+// Opens without waiting for the other end of a pipe. Returns -1 for anything but a regular file.
+int OpenRegular(const std::string& name, int flags) {
+  int descriptor;
+  do {
+    descriptor = open(name.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, S_IRUSR | S_IWUSR);
+  } while (descriptor == -1 && errno == EINTR);
+  if (descriptor == -1) return -1;
+  struct stat status;
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
+  close(descriptor);
+  return -1;
+}
+
+}  // namespace
+
+int OpenHostFileForReading(std::u16string_view path) {
+  int descriptor = -1;
+  TrySpellings(path, [&](const std::string& name) {
+    descriptor = OpenRegular(name, O_RDONLY);
+    return descriptor != -1;
+  });
+  return descriptor;
+}
+
+int OpenHostFileForWriting(std::u16string_view path) {
+  std::string name = NativeNameOfExistingFile(path);
+  if (name.empty()) name = NativeNameOfNewFile(path);
+  if (name.empty()) return -1;
+  const int descriptor = OpenRegular(name, O_RDWR | O_CREAT | O_NOFOLLOW);
+  if (descriptor == -1) return -1;
+  // Emptied only now that it is known to be a regular file.
+  if (ftruncate(descriptor, 0) == 0) return descriptor;
+  close(descriptor);
+  return -1;
+}
+
+bool HostFileExists(std::u16string_view path) {
+  return TrySpellings(path, [](const std::string& name) { return access(name.c_str(), F_OK) == 0; });
+}
+
+std::string NativeNameOfExistingFile(std::u16string_view path) {
+  std::string found;
+  TrySpellings(path, [&](const std::string& name) {
+    if (access(name.c_str(), F_OK) != 0) return false;
+    found = name;
+    return true;
+  });
+  return found;
+}
+
+std::string NativeNameOfNewFile(std::u16string_view path) {
+  std::string found;
+  TrySpellings(path, [&](const std::string& name) {
+    // A '\' that stands as it is ends the folder too: "/tmp\new.png" is no file named "tmp\new.png" in the root.
+    const std::size_t separator = name.find_last_of("/\\");
+    const std::string folder = separator == std::string::npos ? "." : name.substr(0, separator + 1);
+    struct stat status;
+    if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
+    found = name;
+    return true;
+  });
+  return found;
+}
+
+std::size_t BaseDirectoryLength(std::u16string_view path) {
+  const std::size_t separator = path.find_last_of(kSeparators);
+  return separator == std::u16string_view::npos ? 0 : separator + 1;
+}
+
+bool IsAbsoluteHostPath(std::u16string_view path) {
+  return path.find(u':') != std::u16string_view::npos || path.find_first_of(kSeparators) == 0;
+}

@@ -1,0 +1,389 @@
+#include "platform/xml_parser.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string_view>
+#include <vector>
+
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+
+#include "platform/ascii_block.h"
+#include "platform/narrow_text.h"
+
+namespace {
+
+// Writes UTF-8 that is known to be valid as UTF-16; no more units than there are bytes. Returns the end of the units.
+char16_t* Widen(const char* from, const char* end, char16_t* to) {
+  while (from != end) {
+    while (end - from >= static_cast<std::ptrdiff_t>(kAsciiBlock) && WidenBlock(from, to)) {
+      from += kAsciiBlock;
+      to += kAsciiBlock;
+    }
+    const char* const blockEnd = from + std::min(kAsciiBlock, static_cast<std::size_t>(end - from));
+    while (from < blockEnd) {
+      const auto lead = static_cast<unsigned char>(*from);
+      const auto following = [&](int i) { return static_cast<unsigned char>(from[i]) & 0x3Fu; };
+      if (lead <= 0x7F) {
+        *to++ = lead;
+        from += 1;
+      } else if (lead < 0xE0 && end - from >= 2) {
+        *to++ = static_cast<char16_t>(((lead & 0x1Fu) << 6) | following(1));
+        from += 2;
+      } else if (lead < 0xF0 && end - from >= 3) {
+        *to++ = static_cast<char16_t>(((lead & 0x0Fu) << 12) | (following(1) << 6) | following(2));
+        from += 3;
+      } else if (end - from >= 4) {
+        const std::uint32_t codePoint =
+            ((lead & 0x07u) << 18) | (following(1) << 12) | (following(2) << 6) | following(3);
+        *to++ = static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10));
+        *to++ = static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF));
+        from += 4;
+      } else {
+        return to;
+      }
+    }
+  }
+  return to;
+}
+
+const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
+
+std::string_view View(const xmlChar* text) { return text == nullptr ? std::string_view() : Chars(text); }
+
+// The names of one document, each once. They are told apart by the addresses of their texts in the library's
+// dictionary, which has each text once.
+class NameTable {
+ public:
+  // The name of these two dictionary texts; a null prefix is none.
+  XmlName Find(XmlArena& arena, const xmlChar* prefix, const xmlChar* localName) {
+    if (2 * (count_ + 1) > slots_.size()) Rehash();
+    Slot* const slot = Place(slots_, prefix, localName);
+    if (slot->localName == nullptr) {
+      const std::string_view prefixText = View(prefix);
+      const std::string_view localText = View(localName);
+      char16_t* const start = arena.TextRoom(prefixText.size() + 1 + localText.size());
+      char16_t* end = start;
+      if (prefix != nullptr) {
+        end = Widen(prefixText.data(), prefixText.data() + prefixText.size(), end);
+        *end++ = u':';
+      }
+      const auto localOffset = static_cast<std::uint32_t>(end - start);
+      end = Widen(localText.data(), localText.data() + localText.size(), end);
+      arena.LengthenText(static_cast<std::size_t>(end - start));
+      *slot = {prefix, localName, {arena.CloseText(), localOffset}};
+      ++count_;
+    }
+    return slot->name;
+  }
+
+ private:
+  struct Slot {
+    const xmlChar* prefix = nullptr;
+    const xmlChar* localName = nullptr;  // null: the slot is free
+    XmlName name;
+  };
+
+  static Slot* Place(std::vector<Slot>& slots, const xmlChar* prefix, const xmlChar* localName) {
+    const std::size_t mask = slots.size() - 1;
+    const auto mixed = (reinterpret_cast<std::uintptr_t>(localName) ^ (reinterpret_cast<std::uintptr_t>(prefix) << 5)) *
+                       std::uint64_t{0x9E3779B97F4A7C15};
+    std::size_t index = static_cast<std::size_t>(mixed >> 32) & mask;
+    while (slots[index].localName != nullptr &&
+           (slots[index].localName != localName || slots[index].prefix != prefix)) {
+      index = (index + 1) & mask;
+    }
+    return &slots[index];
+  }
+
+  void Rehash() {
+    std::vector<Slot> larger(slots_.empty() ? 128 : 2 * slots_.size());
+    for (const Slot& slot : slots_) {
+      if (slot.localName != nullptr) *Place(larger, slot.prefix, slot.localName) = slot;
+    }
+    slots_.swap(larger);
+  }
+
+  std::vector<Slot> slots_;  // a power of two, at most half full
+  std::size_t count_ = 0;
+};
+
+// Takes the events and builds the tree.
+class TreeBuilder {
+ public:
+  TreeBuilder(const PreparedXml& text, XmlTree* tree, XmlFailure* failure, xmlParserCtxtPtr parser)
+      : text_(text), tree_(*tree), failure_(*failure), parser_(parser) {}
+
+  void StartElement(const xmlChar* localName, int namespaceCount, const xmlChar** namespaces, int attributeCount,
+                    const xmlChar** attributes) {
+    EndText();
+    if (depth_ == kMaximumDepth) {
+      Refuse(kFailed, u"Elements are nested deeper than 256.");
+      return;
+    }
+    bool preserves = Preserves();
+    const int count = attributeCount + namespaceCount;
+    auto* const nodes =
+        static_cast<NamedNode*>(tree_.arena.Allocate(sizeof(NamedNode) * static_cast<std::size_t>(count)));
+    NamedNode* node = nodes;
+    for (int i = 0; i < attributeCount; ++i) {
+      const xmlChar** const attribute = attributes + 5 * i;  // local name, prefix, URI, value, end of the value
+      const XmlName name = names_.Find(tree_.arena, attribute[1], attribute[0]);
+      const std::u16string_view value = StoreValue(Chars(attribute[3]), Chars(attribute[4]));
+      if (name.full == u"xml:space") {
+        if (value == u"preserve") preserves = true;
+        if (value == u"default") preserves = false;
+      }
+      new (node++) NamedNode(&tree_, kAttributeNode, name, value);
+    }
+    for (int i = 0; i < namespaceCount; ++i) {
+      const xmlChar* const prefix = namespaces[2 * i];
+      const XmlName name = prefix == nullptr ? names_.Find(tree_.arena, nullptr, parser_->str_xmlns)
+                                             : names_.Find(tree_.arena, parser_->str_xmlns, prefix);
+      new (node++) NamedNode(&tree_, kAttributeNode, name, StoreText(View(namespaces[2 * i + 1])));
+    }
+    const XmlName name = names_.Find(tree_.arena, nullptr, localName);
+    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(&tree_, name.full, nodes, count);
+    element->preservesSpace = preserves;
+    if (depth_ == 0) {
+      tree_.root = element;
+    } else {
+      AddChild(element);
+    }
+    open_[depth_++] = {element, children_.size()};
+  }
+
+  void EndElement() {
+    EndText();
+    const OpenElement& closing = open_[--depth_];
+    closing.element->blankAtEnd = blank_;
+    blank_ = false;
+    const std::size_t count = children_.size() - closing.firstChild;
+    if (count == 0) return;
+    const std::size_t bytes = count * sizeof(TreeNode*);
+    auto** const children = static_cast<TreeNode**>(tree_.arena.Allocate(bytes));
+    std::memcpy(children, children_.data() + closing.firstChild, bytes);
+    closing.element->SetChildren(children, static_cast<std::int32_t>(count));
+    children_.resize(closing.firstChild);
+  }
+
+  // A piece of character data. What comes in a row makes one text.
+  void Characters(std::string_view text) {
+    char16_t* const units = tree_.arena.TextRoom(text.size());
+    tree_.arena.LengthenText(static_cast<std::size_t>(Widen(text.data(), text.data() + text.size(), units) - units));
+  }
+
+  // A CDATA section or comment.
+  void Leaf(NodeType type, std::string_view text) {
+    if (depth_ == 0) return;  // the document keeps nothing but its element
+    EndText();
+    AddLeaf(type, StoreText(text));
+  }
+
+  void ProcessingInstruction(const xmlChar* target, std::string_view data) {
+    if (depth_ == 0) return;
+    EndText();
+    const XmlName name = names_.Find(tree_.arena, nullptr, target);
+    const std::u16string_view text = StoreText(data);
+    AddChild(new (tree_.arena.Allocate(sizeof(NamedNode))) NamedNode(&tree_, kProcessingInstructionNode, name, text));
+  }
+
+  void Error(const xmlError& error) {
+    if (error.code == XML_ERR_NO_MEMORY) return RunOutOfMemory();
+    // The library's word for what is a mere address in a namespace declaration; any text is a namespace.
+    if (error.code == XML_WAR_NS_URI) return;
+    // The library only warns of a version 1.1.
+    if (error.level == XML_ERR_WARNING && error.code != XML_WAR_UNKNOWN_VERSION) return;
+    std::u16string reason = WideFromUtf8(error.message == nullptr ? "" : error.message);
+    while (!reason.empty() && IsXmlSpace(reason.back())) reason.pop_back();
+    Refuse(error.code, std::move(reason));
+  }
+
+  void RunOutOfMemory() { Stop(kOutOfMemory); }
+
+  // What came of it, when the library is done.
+  HRESULT Finish() {
+    if (status_ == kOk && (parser_->wellFormed == 0 || tree_.root == nullptr)) {
+      Refuse(kFailed, u"The document is not well-formed.");
+    }
+    return status_;
+  }
+
+ private:
+  struct OpenElement {
+    ElementNode* element;
+    std::size_t firstChild;  // of its children in `children_`
+  };
+
+  void Refuse(std::int32_t code, std::u16string reason) {
+    if (status_ != kOk) return;
+    failure_.code = code;
+    failure_.reason = std::move(reason);
+    Stop(kFalse);
+  }
+
+  // The library goes on to read what it can after a mistake, and its own way to stop it takes the input away from under
+  // the routine that is reading it. It ends of itself where the text is at its end, so what is left of the text is
+  // wiped out.
+  void Stop(HRESULT status) {
+    status_ = status;
+    parser_->disableSAX = 1;
+    const auto offset = static_cast<std::size_t>(Chars(parser_->input->cur) - text_.bytes);
+    if (offset < text_.size) std::memset(text_.bytes + offset, 0, text_.size - offset);
+  }
+
+  bool Preserves() const { return depth_ != 0 && open_[depth_ - 1].element->preservesSpace; }
+
+  void EndText() {
+    const std::u16string_view text = tree_.arena.OpenText();
+    if (text.empty()) return;
+    if (!Preserves() && std::all_of(text.begin(), text.end(), [](char16_t unit) { return IsXmlSpace(unit); })) {
+      tree_.arena.DropText();
+      blank_ = true;
+      return;
+    }
+    AddLeaf(kTextNode, tree_.arena.CloseText());
+  }
+
+  void AddLeaf(NodeType type, std::u16string_view text) {
+    AddChild(new (tree_.arena.Allocate(sizeof(LeafNode))) LeafNode(&tree_, type, text));
+  }
+
+  void AddChild(TreeNode* child) {
+    child->blankInFront = blank_;
+    blank_ = false;
+    children_.push_back(child);
+  }
+
+  std::u16string_view StoreText(std::string_view text) {
+    Characters(text);
+    return tree_.arena.CloseText();
+  }
+
+  // Stores an attribute value, with line feeds and tabs where the marks have them.
+  std::u16string_view StoreValue(const char* value, const char* end) {
+    char16_t* const units = tree_.arena.TextRoom(static_cast<std::size_t>(end - value));
+    tree_.arena.LengthenText(static_cast<std::size_t>(Widen(value, end, units) - units));
+    // A value that the library had to change is not part of the text, and has no marks.
+    const std::vector<BreakMark>& breaks = text_.breaks;
+    const auto offset = reinterpret_cast<std::uintptr_t>(value) - reinterpret_cast<std::uintptr_t>(text_.bytes);
+    if (nextBreak_ != breaks.size() && offset < text_.size) {
+      const std::size_t endOffset = offset + static_cast<std::size_t>(end - value);
+      while (nextBreak_ != breaks.size() && breaks[nextBreak_].offset < offset) ++nextBreak_;
+      for (; nextBreak_ != breaks.size() && breaks[nextBreak_].offset < endOffset; ++nextBreak_) {
+        units[breaks[nextBreak_].offset - offset] = breaks[nextBreak_].isTab ? u'\t' : u'\n';
+      }
+    }
+    return tree_.arena.CloseText();
+  }
+
+  const PreparedXml& text_;
+  XmlTree& tree_;
+  XmlFailure& failure_;
+  xmlParserCtxtPtr parser_;
+  NameTable names_;
+  HRESULT status_ = kOk;
+  OpenElement open_[kMaximumDepth];
+  int depth_ = 0;
+  std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
+  bool blank_ = false;               // white space was dropped since the last child or tag
+  std::size_t nextBreak_ = 0;
+};
+
+// Calls the builder from the library, which no exception may pass through.
+template <typename Work>
+void Build(void* context, Work work) {
+  auto* const builder = static_cast<TreeBuilder*>(context);
+  try {
+    work(*builder);
+  } catch (const std::bad_alloc&) {
+    builder->RunOutOfMemory();
+  }
+}
+
+std::string_view View(const xmlChar* text, int length) {
+  return length <= 0 ? std::string_view() : std::string_view(Chars(text), static_cast<std::size_t>(length));
+}
+
+void OnStartElement(void* context, const xmlChar* localName, const xmlChar*, const xmlChar*, int namespaceCount,
+                    const xmlChar** namespaces, int attributeCount, int, const xmlChar** attributes) {
+  Build(context, [&](TreeBuilder& builder) {
+    builder.StartElement(localName, namespaceCount, namespaces, attributeCount, attributes);
+  });
+}
+
+void OnEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+  Build(context, [](TreeBuilder& builder) { builder.EndElement(); });
+}
+
+void OnCharacters(void* context, const xmlChar* text, int length) {
+  Build(context, [&](TreeBuilder& builder) { builder.Characters(View(text, length)); });
+}
+
+void OnCData(void* context, const xmlChar* text, int length) {
+  Build(context, [&](TreeBuilder& builder) { builder.Leaf(kCDataNode, View(text, length)); });
+}
+
+void OnComment(void* context, const xmlChar* text) {
+  Build(context, [&](TreeBuilder& builder) { builder.Leaf(kCommentNode, View(text)); });
+}
+
+void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar* data) {
+  Build(context, [&](TreeBuilder& builder) { builder.ProcessingInstruction(target, View(data)); });
+}
+
+void OnError(void* context, xmlErrorPtr error) {
+  Build(context, [&](TreeBuilder& builder) { builder.Error(*error); });
+}
+
+struct ParserDeleter {
+  void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
+};
+
+// Gives the parser the text to read where it lies. False when there is no memory.
+bool SetInput(xmlParserCtxtPtr parser, const PreparedXml& text) {
+  xmlParserInputPtr const input = xmlNewInputStream(parser);
+  if (input == nullptr) return false;
+  input->base = reinterpret_cast<const xmlChar*>(text.bytes);
+  input->cur = input->base;
+  input->end = input->base + text.size;
+  input->length = static_cast<int>(text.size);
+  if (inputPush(parser, input) >= 0) return true;
+  xmlFreeInputStream(input);
+  return false;
+}
+
+}  // namespace
+
+HRESULT ParseXml(const PreparedXml& text, XmlTree* tree, XmlFailure* failure) {
+  if (text.size == 0) {
+    failure->code = XML_ERR_DOCUMENT_EMPTY;
+    failure->reason = u"The document is empty.";
+    return kFalse;
+  }
+  xmlInitParser();
+  const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
+  if (parser == nullptr || !SetInput(parser.get(), text)) return kOutOfMemory;
+
+  // The encoding is that of the wide text, whatever the document says. References must be replaced, or the library
+  // hands out "&#38;" for "&amp;"; nothing but the five and characters can be referred to without a document type.
+  xmlCtxtUseOptions(parser.get(), XML_PARSE_HUGE | XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_NOENT);
+  TreeBuilder builder(text, tree, failure, parser.get());
+  xmlSAXHandler events = {};
+  events.initialized = XML_SAX2_MAGIC;
+  events.startElementNs = OnStartElement;
+  events.endElementNs = OnEndElement;
+  events.characters = OnCharacters;
+  events.ignorableWhitespace = OnCharacters;
+  events.cdataBlock = OnCData;
+  events.comment = OnComment;
+  events.processingInstruction = OnProcessingInstruction;
+  events.serror = OnError;
+  *parser->sax = events;
+  parser->userData = &builder;
+  xmlParseDocument(parser.get());
+  return builder.Finish();
+}

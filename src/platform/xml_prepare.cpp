@@ -1,0 +1,332 @@
+#include "platform/xml_prepare.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+constexpr std::size_t kBlock = 16;
+
+// What one step of a scan writes at most: a block, or a unit at the end of one as three bytes or as a reference.
+constexpr std::size_t kRoom = 4 * kBlock;
+
+// NULs behind the text, for the library to look ahead over.
+constexpr std::size_t kPadding = 8;
+
+constexpr char16_t kByteOrderMark = 0xFEFF;
+
+// Where a run of units stands; each place has its own units at which the run stops.
+enum Place : unsigned char { kContent = 1, kTagBody = 2, kDoubleQuoted = 4, kSingleQuoted = 8, kUpToAngle = 16 };
+
+constexpr unsigned char kQuoted = kDoubleQuoted | kSingleQuoted;
+constexpr unsigned char kEverywhere = 0xFF;
+
+// For each ASCII unit the places in which a run stops at it.
+struct StopTable {
+  constexpr StopTable() {
+    for (int unit = 0; unit < 0x20; ++unit) places[unit] = kQuoted;
+    places[0] = kEverywhere;
+    places[u'\r'] = kEverywhere;
+    places[u'<'] = kContent | kTagBody | kQuoted;
+    places[u'>'] = kTagBody | kUpToAngle;
+    places[u'&'] = kQuoted;
+    places[u'"'] = kTagBody | kDoubleQuoted;
+    places[u'\''] = kTagBody | kSingleQuoted;
+  }
+  unsigned char places[128] = {};
+};
+
+constexpr StopTable kStops;
+
+constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kStops.places[unit] & place) != 0; }
+
+// Copies a block, and returns a bit for each unit at which a run in this place stops, the lowest for the first.
+#ifdef __SSE2__
+template <Place place>
+unsigned CopyBlock(const char16_t* from, char* to) {
+  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
+  // Units that are no bytes become 0xFF or, from 0x8000 on, 0. A run stops at either everywhere.
+  const __m128i bytes = _mm_packus_epi16(low, high);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+  // By their sign, bytes beyond ASCII are less than the lowest that does not stop.
+  __m128i stops = _mm_cmplt_epi8(bytes, _mm_set1_epi8((place & kQuoted) != 0 ? 0x20 : 1));
+  const auto stopAt = [&](char byte) { stops = _mm_or_si128(stops, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))); };
+  if constexpr ((place & (kContent | kTagBody | kQuoted)) != 0) stopAt('<');
+  if constexpr ((place & (kTagBody | kUpToAngle)) != 0) stopAt('>');
+  if constexpr ((place & kQuoted) != 0) stopAt('&');
+  if constexpr ((place & kQuoted) == 0) stopAt('\r');
+  if constexpr ((place & (kTagBody | kDoubleQuoted)) != 0) stopAt('"');
+  if constexpr ((place & (kTagBody | kSingleQuoted)) != 0) stopAt('\'');
+  return static_cast<unsigned>(_mm_movemask_epi8(stops));
+}
+#else
+template <Place place>
+unsigned CopyBlock(const char16_t* from, char* to) {
+  unsigned stops = 0;
+  for (std::size_t i = 0; i < kBlock; ++i) {
+    to[i] = static_cast<char>(from[i]);
+    if (StopsAt(place, from[i])) stops |= 1u << i;
+  }
+  return stops;
+}
+#endif
+
+// The scan. Each `Copy` function reads from `in_` and writes to `out_`; it returns false when the scan is over before
+// its time, `status_` telling why.
+class Preparation {
+ public:
+  Preparation(std::u16string_view text, PreparedXml* prepared)
+      : prepared_(*prepared), in_(text.data()), end_(text.data() + text.size()) {}
+
+  PrepareStatus Run() {
+    const std::size_t units = static_cast<std::size_t>(end_ - in_);
+    if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
+    return status_;
+  }
+
+ private:
+  bool CopyDocument() {
+    // The library would pass over a byte order mark.
+    if (in_ != end_ && *in_ == kByteOrderMark) return Refuse(u"A byte order mark stands in front of the document.");
+    while (in_ != end_) {
+      if (!CopyRun<kContent>()) return false;
+      if (in_ != end_ && !CopyMarkup()) return false;
+    }
+    return true;
+  }
+
+  bool CopyMarkup() {
+    if (StartsWith(u"<!--")) return CopyThrough(4, u"-->");
+    if (StartsWith(u"<![CDATA[")) return CopyThrough(9, u"]]>");
+    if (StartsWith(u"<?")) return CopyThrough(2, u"?>");
+    if (StartsWith(u"<!")) return Refuse(u"A document type declaration is not allowed.");
+    return CopyTag();
+  }
+
+  // Copies an opener of so many units and all up to and including `closer`, which ends in '>'.
+  bool CopyThrough(int openerLength, std::u16string_view closer) {
+    if (!Room()) return false;
+    const char16_t* const start = in_ + openerLength;
+    while (in_ != start) *out_++ = static_cast<char>(*in_++);
+    while (in_ != end_) {
+      if (!CopyRun<kUpToAngle>()) return false;
+      if (in_ == end_) return true;
+      if (!Room()) return false;
+      *out_++ = '>';
+      ++in_;
+      if (std::u16string_view(start, static_cast<std::size_t>(in_ - start)).ends_with(closer)) return true;
+    }
+    return true;
+  }
+
+  bool CopyTag() {
+    int attributes = 0;
+    *out_++ = '<';  // the run in front of it has left room
+    ++in_;
+    for (;;) {
+      if (!CopyRun<kTagBody>()) return false;
+      if (in_ == end_) return true;
+      const char16_t unit = *in_;
+      // The library would take this for the start of another tag, with attributes that are not counted.
+      if (unit == u'<') return Refuse(u"A tag is not closed in front of the next.");
+      *out_++ = static_cast<char>(unit);
+      ++in_;
+      if (unit == u'>') return true;
+      if (++attributes > kMaximumAttributes) return Refuse(u"An element has more than 10 000 attributes.");
+      if (!(unit == u'"' ? CopyValue<kDoubleQuoted>() : CopyValue<kSingleQuoted>())) return false;
+    }
+  }
+
+  // Copies the rest of an attribute value behind its first quote.
+  template <Place place>
+  bool CopyValue() {
+    const char16_t* const valueIn = in_;
+    const std::size_t valueOut = Written();
+    const std::size_t breaksBefore = prepared_.breaks.size();
+    bool asReferences = false;
+    for (;;) {
+      if (!CopyRun<place>()) return false;
+      if (in_ == end_) return true;
+      const char16_t unit = *in_;
+      if (unit == (place == kDoubleQuoted ? u'"' : u'\'')) {
+        *out_++ = static_cast<char>(unit);
+        ++in_;
+        return true;
+      }
+      if (unit == u'<') return Refuse(u"'<' stands in an attribute value.");
+      if (unit == u'\n' || unit == u'\t' || unit == u'\r') {
+        // The library hands out the values of namespace declarations without their place in the text.
+        if (!asReferences && prepared_.breaks.size() == breaksBefore) asReferences = InNamespaceDeclaration(valueOut);
+        if (!CopyBreak(asReferences)) return false;
+      } else if (unit == u'&' || unit > 0x7F) {
+        if (!asReferences && prepared_.breaks.size() != breaksBefore) {
+          // Begun under the wrong assumption: once more from the start of the value.
+          prepared_.breaks.resize(breaksBefore);
+          in_ = valueIn;
+          out_ = prepared_.bytes + valueOut;
+          asReferences = true;
+          continue;
+        }
+        asReferences = true;
+        if (!CopyUnit()) return false;
+      } else {
+        if (!CopyUnit()) return false;  // a control code, which the library refuses
+      }
+    }
+  }
+
+  // Copies a line end or tab of an attribute value.
+  bool CopyBreak(bool asReference) {
+    const bool isTab = *in_ == u'\t';
+    if (*in_ == u'\r' && in_ + 1 != end_ && in_[1] == u'\n') ++in_;
+    ++in_;
+    if (!Room()) return false;
+    if (asReference) {
+      const std::string_view reference = isTab ? "&#9;" : "&#10;";
+      out_ = std::copy(reference.begin(), reference.end(), out_);
+      return true;
+    }
+    prepared_.breaks.push_back({static_cast<std::uint32_t>(Written()) & 0x7FFFFFFFu, isTab ? 1u : 0u});
+    *out_++ = ' ';
+    return true;
+  }
+
+  // Whether the value that begins at `valueOut` belongs to a name that begins with "xmlns".
+  bool InNamespaceDeclaration(std::size_t valueOut) const {
+    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\n'; };
+    const char* position = prepared_.bytes + valueOut - 1;  // the quote; a '<' stands in front of it in any case
+    while (isBlank(position[-1]) || position[-1] == '=') --position;
+    const char* const nameEnd = position;
+    while (!isBlank(position[-1]) && position[-1] != '<') --position;
+    return std::string_view(position, static_cast<std::size_t>(nameEnd - position)).starts_with("xmlns");
+  }
+
+  // Copies up to the next unit at which a run in this place stops, or to the end. Within quotes a unit beyond ASCII is
+  // a stop; elsewhere it is copied, and line ends become line feeds. Leaves room for the unit at which it stopped.
+  template <Place place>
+  bool CopyRun() {
+    for (;;) {
+      if (!Room()) return false;
+      if (end_ - in_ >= static_cast<std::ptrdiff_t>(kBlock)) {
+        const unsigned stops = CopyBlock<place>(in_, out_);
+        const int plain = stops == 0 ? static_cast<int>(kBlock) : std::countr_zero(stops);
+        in_ += plain;
+        out_ += plain;
+        if (stops == 0) continue;
+      } else {
+        while (in_ != end_ && !StopsAt(place, *in_)) *out_++ = static_cast<char>(*in_++);
+        if (in_ == end_) return true;
+      }
+      if (*in_ == 0) return Refuse(u"A NUL stands in the document.");
+      if constexpr ((place & kQuoted) != 0) {
+        return true;
+      } else {
+        if (*in_ > 0x7F) {
+          while (in_ != end_ && *in_ > 0x7F) {
+            if (!CopyUnit()) return false;
+          }
+        } else if (*in_ == u'\r') {
+          if (in_ + 1 == end_ || in_[1] != u'\n') *out_++ = '\n';
+          ++in_;
+        } else {
+          return true;
+        }
+      }
+    }
+  }
+
+  // Copies one character of any kind.
+  bool CopyUnit() {
+    if (!Room()) return false;
+    const std::uint32_t unit = *in_++;
+    if (unit <= 0x7F) {
+      *out_++ = static_cast<char>(unit);
+      return true;
+    }
+    if (unit < 0x800) {
+      *out_++ = static_cast<char>(0xC0 | (unit >> 6));
+    } else if (unit < 0xD800 || unit > 0xDFFF) {
+      *out_++ = static_cast<char>(0xE0 | (unit >> 12));
+      *out_++ = static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
+    } else {
+      const bool pair = unit < 0xDC00 && in_ != end_ && (*in_ & 0xFC00) == 0xDC00;
+      if (!pair) return Refuse(u"Half a surrogate pair stands in the document.");
+      const std::uint32_t codePoint = 0x10000 + ((unit & 0x3FF) << 10) + (*in_++ & 0x3FFu);
+      *out_++ = static_cast<char>(0xF0 | (codePoint >> 18));
+      *out_++ = static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F));
+      *out_++ = static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
+      *out_++ = static_cast<char>(0x80 | (codePoint & 0x3F));
+      return true;
+    }
+    *out_++ = static_cast<char>(0x80 | (unit & 0x3F));
+    return true;
+  }
+
+  bool StartsWith(std::u16string_view start) const {
+    return std::u16string_view(in_, static_cast<std::size_t>(end_ - in_)).starts_with(start);
+  }
+
+  bool Refuse(const char16_t* reason) {
+    prepared_.refusal = reason;
+    status_ = PrepareStatus::kRefused;
+    return false;
+  }
+
+  std::size_t Written() const { return static_cast<std::size_t>(out_ - prepared_.bytes); }
+
+  bool Room() {
+    if (static_cast<std::size_t>(outEnd_ - out_) >= kRoom) return true;
+    return Grow(static_cast<std::size_t>(outEnd_ - prepared_.bytes) / 2 * 3 + kRoom);
+  }
+
+  bool Grow(std::size_t capacity) {
+    const std::size_t written = Written();
+    if (written > kMaximumXmlBytes) {
+      status_ = PrepareStatus::kTooLong;
+      return false;
+    }
+    capacity = std::min(capacity, kMaximumXmlBytes + 2 * kRoom);
+    char* const bytes = static_cast<char*>(std::realloc(prepared_.bytes, capacity + kPadding));
+    if (bytes == nullptr) {
+      status_ = PrepareStatus::kNoMemory;
+      return false;
+    }
+    prepared_.bytes = bytes;
+    out_ = bytes + written;
+    outEnd_ = bytes + capacity;
+    return true;
+  }
+
+  void Finish() {
+    prepared_.size = Written();
+    if (prepared_.size > kMaximumXmlBytes) status_ = PrepareStatus::kTooLong;
+    std::memset(out_, 0, kPadding);
+  }
+
+  PreparedXml& prepared_;
+  const char16_t* in_;
+  const char16_t* end_;
+  char* out_ = nullptr;
+  char* outEnd_ = nullptr;
+  PrepareStatus status_ = PrepareStatus::kPrepared;
+};
+
+}  // namespace
+
+PreparedXml::~PreparedXml() { std::free(bytes); }
+
+PrepareStatus PrepareXml(std::u16string_view text, PreparedXml* prepared) {
+  try {
+    return Preparation(text, prepared).Run();
+  } catch (const std::bad_alloc&) {
+    return PrepareStatus::kNoMemory;
+  }
+}

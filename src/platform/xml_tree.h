@@ -1,0 +1,143 @@
+// The tree behind a document: nodes that lie in the document's arena, are never destroyed one by one and know their
+// tree only to count references. An element is its own attribute map and child list, so that reading takes no memory.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/xml_arena.h"
+#include "platform/xml_document.h"
+
+// An element at this depth is the deepest; the root is at depth 1. Bounds what walks a document, in here and elsewhere.
+inline constexpr int kMaximumDepth = 256;
+
+class ElementNode;
+struct XmlTree;
+
+constexpr bool IsXmlSpace(char16_t unit) { return unit == u' ' || unit == u'\n' || unit == u'\t' || unit == u'\r'; }
+
+// The children of every node that has none.
+class EmptyNodeList final : public IXMLDOMNodeList {
+ public:
+  explicit EmptyNodeList(XmlTree* tree) : tree_(tree) {}
+  void AddRef() override;
+  void Release() override;
+  HRESULT get_length(std::int32_t* length) override;
+  HRESULT get_item(std::int32_t index, IXMLDOMNode** item) override;
+
+ private:
+  XmlTree* tree_;
+};
+
+struct XmlTree {
+  // Takes all nodes away, whatever references to them are out.
+  void Clear() {
+    root = nullptr;
+    arena.Clear();
+  }
+
+  XmlArena arena;
+  ElementNode* root = nullptr;
+  std::int64_t references = 0;  // to anything of the document but itself, out at the moment
+  std::u16string elementText;   // the last one asked for
+  EmptyNodeList noChildren{this};
+};
+
+// What all nodes have.
+class TreeNode : public IXMLDOMNode {
+ public:
+  TreeNode(XmlTree* tree, NodeType type, std::u16string_view text)
+      : tree_(tree), text_(text.data()), textLength_(static_cast<std::uint32_t>(text.size())), type_(type) {}
+
+  void AddRef() override;
+  void Release() override;
+  HRESULT get_nodeType(NodeType* type) override;
+  HRESULT get_baseName(std::u16string_view* name) override;
+  HRESULT get_attributes(IXMLDOMNamedNodeMap** attributes) override;
+  HRESULT get_text(std::u16string_view* text) override;
+  HRESULT get_childNodes(IXMLDOMNodeList** children) override;
+
+  // The data of a leaf, the value of an attribute, the local name of an element.
+  std::u16string_view Text() const { return {text_, textLength_}; }
+  NodeType Type() const { return type_; }
+
+  bool blankInFront =
+      false;  // white space that is not in the tree stands between this node and the one before, or the tag
+
+ protected:
+  ~TreeNode() = default;
+
+  XmlTree* tree_;
+
+ private:
+  const char16_t* text_;
+  std::uint32_t textLength_;
+  NodeType type_;
+};
+
+// A text, CDATA section or comment.
+class LeafNode final : public TreeNode {
+ public:
+  using TreeNode::TreeNode;
+};
+
+// A name as it stands in the document, and where its local part begins. The text lies in the arena.
+struct XmlName {
+  std::u16string_view full;
+  std::uint32_t localOffset = 0;
+};
+
+// An attribute, or a processing instruction under the name of its target.
+class NamedNode final : public TreeNode {
+ public:
+  NamedNode(XmlTree* tree, NodeType type, const XmlName& name, std::u16string_view text)
+      : TreeNode(tree, type, text),
+        name_(name.full.data()),
+        nameLength_(static_cast<std::uint32_t>(name.full.size())),
+        localOffset_(name.localOffset) {}
+
+  HRESULT get_baseName(std::u16string_view* name) override;
+
+  std::u16string_view FullName() const { return {name_, nameLength_}; }
+
+ private:
+  const char16_t* name_;
+  std::uint32_t nameLength_;
+  std::uint32_t localOffset_;
+};
+
+class ElementNode final : public TreeNode, public IXMLDOMNamedNodeMap, public IXMLDOMNodeList {
+ public:
+  // `attributes` lies in the arena. The children come later.
+  ElementNode(XmlTree* tree, std::u16string_view localName, NamedNode* attributes, std::int32_t attributeCount)
+      : TreeNode(tree, kElementNode, localName), attributes_(attributes), attributeCount_(attributeCount) {}
+
+  void AddRef() override { TreeNode::AddRef(); }
+  void Release() override { TreeNode::Release(); }
+  HRESULT get_baseName(std::u16string_view* name) override;
+  HRESULT get_attributes(IXMLDOMNamedNodeMap** attributes) override;
+  HRESULT get_text(std::u16string_view* text) override;
+  HRESULT get_childNodes(IXMLDOMNodeList** children) override;
+  HRESULT getNamedItem(std::u16string_view name, IXMLDOMNode** item) override;
+  HRESULT get_length(std::int32_t* length) override;
+  HRESULT get_item(std::int32_t index, IXMLDOMNode** item) override;
+
+  // `children` lies in the arena.
+  void SetChildren(TreeNode** children, std::int32_t childCount) {
+    children_ = children;
+    childCount_ = childCount;
+  }
+
+  bool blankAtEnd = false;      // as `blankInFront`, between the last child, or the start tag, and the end tag
+  bool preservesSpace = false;  // xml:space="preserve" is in force
+
+ private:
+  void JoinText(std::u16string& text) const;
+
+  NamedNode* attributes_;
+  TreeNode** children_ = nullptr;
+  std::int32_t attributeCount_;
+  std::int32_t childCount_ = 0;
+};
