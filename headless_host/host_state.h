@@ -1,0 +1,52 @@
+// Everything that the reference host remembers, except what lives in the objects it hands out. Internal to the host.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "headless_host/fonts.h"
+#include "headless_host/headless_host.h"
+#include "headless_host/paragraph.h"
+
+namespace headless {
+
+using TextPair = std::pair<std::u16string, std::u16string>;
+
+struct HostState {
+  std::map<TextPair, int> settings;  // by section and key
+  int units = 300;
+  std::u16string baseDir;
+
+  std::map<TextPair, void*> windows;  // by class and title
+  HostAllocator* registeredAllocator = nullptr;
+
+  HostFontMode fontMode = HostFontMode::kAny;
+  std::vector<std::u16string> listedFonts;
+  std::u16string replacementFont;
+
+  std::string imageFolder;
+  HostFailures failures;
+  std::vector<ShownMessage> messages;
+  std::vector<AskedFile> askedFiles;
+  HostUserInterface userInterface;
+
+  bool hidesGeneratedNames = false;
+  std::vector<std::u16string> generatedFolders;
+
+  std::uint32_t lastParagraphTag = 0;
+  // Owns every paragraph that was opened and neither abandoned nor released.
+  std::unordered_map<const ComposedParagraph*, std::unique_ptr<HostParagraph>> paragraphs;
+  HostParagraph* openParagraph = nullptr;
+};
+
+extern HostState host;
+
+// Kept apart from the state, since neither goes back with a reset.
+extern HostLiveCounts liveCounts;
+extern FontTable fontTable;
+
+}  // namespace headless
