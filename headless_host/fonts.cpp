@@ -57,7 +57,7 @@ FontRecord* FontTable::Record(std::u16string_view name) {
   HostFont& font = fonts_.try_emplace(std::u16string(name)).first->second;
   std::memset(static_cast<FontRecord*>(&font), 0, sizeof(FontRecord));
   font.name = name;
-  font.fontCode = static_cast<std::uint16_t>(fonts_.size());
+  font.fontCode = 1;
   return &font;
 }
 

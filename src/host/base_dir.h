@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <string>
 
-class __attribute__((visibility("default"))) CBaseDir {
+#include "host/export.h"
+
+class HOST_VISIBLE CBaseDir {
  public:
   enum path_type : std::int32_t { kUnknownPath = 0 };
 

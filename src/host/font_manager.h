@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "host/export.h"
+
 // The font manager's interface: 22 operations of the host's, known by their places. Place 4 says goodbye, place 11
 // takes a FontRequest and returns 0 for success, place 14 is called once with 0 when the link is made.
 class FontManagerSupport {
@@ -93,7 +95,7 @@ template <class Default>
 class DynamicLinkBase {
  public:
   // The interface to call: the font manager's, or the default's.
-  FontManagerSupport* operator->() const;
+  HOST_VISIBLE FontManagerSupport* operator->() const;
 
   std::uint32_t loaded = 0;  // 1 when the real library is in use
   FontManagerSupport* iface = nullptr;
@@ -107,5 +109,5 @@ template <>
 class DynamicLink<FontManagerSupport> : public DynamicLinkBase<FontManagerSupportDefault> {};
 
 // Exported by the filter.
-DynamicLink<FontManagerSupport>* GetFontManager();  // null before CheckFile and after CloseFile
-int UsingFontManager();                             // 1 once CheckFile has made the link, whatever answered
+HOST_VISIBLE DynamicLink<FontManagerSupport>* GetFontManager();  // null before CheckFile and after CloseFile
+HOST_VISIBLE int UsingFontManager();  // 1 once CheckFile has made the link, whatever answered

@@ -310,14 +310,10 @@ void OperatorNamedFill(const OperatorCall&) {
 }
 
 // @x: [c m y k (name) tint] c m y k (name) tint any any any any any -> -. The mean of both sets, as far as the second
-// is there; its name counts.
+// is there; its name counts. No colours go out here.
 void OperatorMeanNamedFill(const OperatorCall&) {
   DropOperands(5);
-  if (run.operands.size() < kNamedInkOperands) {
-    run.path.fillSelector = 1;
-    EmitPaintColours();
-    return;
-  }
+  if (run.operands.size() < kNamedInkOperands) return;
   NamedInks named = PopNamedInks();
   if (!run.operands.empty()) {
     const PoppedOperand tint;

@@ -18,9 +18,9 @@ constexpr std::int32_t kLimitSet = 2;   // of miterLimitActive
 // The frame keeps a width whose record found no memory only where the operator has stored it before.
 double* NewWidth() { return static_cast<double*>(TryAllocateHost(sizeof(double))); }
 
-void SendWidth(double* payload, double width) {
+void SendWidth(double* payload, double width, std::uint32_t size) {
   *payload = width;
-  PushPayload(KEY_WIDT, sizeof(double), payload);
+  PushPayload(KEY_WIDT, size, payload);
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ void OperatorLineWidth(const OperatorCall&) {
   if (width == 0.0) width = kThinnest;
   GraphicsState& frame = CurrentFrame();
   frame.lineWidth = width * run.UnitScale;
-  if (double* payload = NewWidth()) SendWidth(payload, frame.lineWidth);
+  if (double* payload = NewWidth()) SendWidth(payload, frame.lineWidth, 0);
 }
 
 // wPn: w1 w2 ignored -> -
@@ -50,7 +50,7 @@ void OperatorLineWidthOfAxes(const OperatorCall& call) {
   double* payload = NewWidth();
   if (!payload) return;
   frame.lineWidth = width * run.UnitScale;
-  SendWidth(payload, frame.lineWidth);
+  SendWidth(payload, frame.lineWidth, 0);
 }
 
 // @w: sx sy angle [matrix] flag -> -, or [matrix] flag sx sy angle -> -, told apart by what lies under the top
@@ -94,7 +94,7 @@ void OperatorLineWidthOfMatrix(const OperatorCall&) {
   if (!payload) return;
   GraphicsState& frame = CurrentFrame();
   frame.lineWidth = std::sqrt(std::hypot(m.a, m.c) * std::hypot(m.b, m.d)) * run.UnitScale;
-  SendWidth(payload, frame.lineWidth);
+  SendWidth(payload, frame.lineWidth, sizeof(double));
 }
 
 // J: cap -> -

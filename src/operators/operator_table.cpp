@@ -144,7 +144,7 @@ constexpr Row kRows[] = {
     {u"wCp", kAnySuffix, OperatorClose},
     {u"wCto", kAnySuffix, OperatorCurveAbsolute},
     {u"wDocm", kExactly, OperatorRestoreDocumentMatrix},
-    {u"wE", kAnySuffix, OperatorEllipse},
+    {u"wE", kExactly, OperatorEllipse},
     {u"wFt", kAnySuffix, OperatorAverageFill},
     {u"wLt", kAnySuffix, OperatorLineToAbsolute},
     {u"wMt", kAnySuffix, OperatorMoveToAbsolute},

@@ -14,6 +14,8 @@
 
 #include "host/matrix.h"
 
+#include "host/export.h"
+
 class CQXBitmap;
 struct ComposedParagraph;
 
@@ -192,17 +194,17 @@ extern "C" {
 // or is not a document with content. A failed call of the document interface leaves as DocumentError, an inconsistent
 // list of nodes as std::out_of_range.
 using CheckFileFunction = int(std::uintptr_t reserved1, std::uintptr_t reserved2, const char16_t* path);
-int CheckFile(std::uintptr_t reserved1, std::uintptr_t reserved2, const char16_t* path);
+HOST_VISIBLE int CheckFile(std::uintptr_t reserved1, std::uintptr_t reserved2, const char16_t* path);
 
 // The next record of the drawing; KEY_ENDF at its end and ever after. Fails as CheckFile does.
 using GetImportCommandFunction = ImportCommand();
-ImportCommand GetImportCommand();
+HOST_VISIBLE ImportCommand GetImportCommand();
 
 // Always 0: the filter reads its input by path.
 using GetFileHandleFunction = std::intptr_t();
-std::intptr_t GetFileHandle();
+HOST_VISIBLE std::intptr_t GetFileHandle();
 
 // Ends the import, also one whose CheckFile failed. Always 0.
 using CloseFileFunction = int();
-int CloseFile();
+HOST_VISIBLE int CloseFile();
 }
