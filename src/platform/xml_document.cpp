@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "filter_limits.h"
 #include "platform/xml_parser.h"
 #include "platform/xml_prepare.h"
 #include "platform/xml_tree.h"
@@ -92,7 +93,7 @@ class Document final : public IXMLDOMDocument {
   ~Document() = default;
 
   HRESULT Load(std::u16string_view text) {
-    if (text.size() > kMaximumXmlBytes) return kInvalidArgument;
+    if (text.size() > kMaxDocumentBytes) return kInvalidArgument;
     PreparedXml prepared;
     switch (PrepareXml(text, &prepared)) {
       case PrepareStatus::kPrepared:

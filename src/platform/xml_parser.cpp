@@ -11,6 +11,7 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
+#include "filter_limits.h"
 #include "platform/ascii_block.h"
 #include "platform/narrow_text.h"
 
@@ -120,7 +121,7 @@ class TreeBuilder {
   void StartElement(const xmlChar* localName, int namespaceCount, const xmlChar** namespaces, int attributeCount,
                     const xmlChar** attributes) {
     EndText();
-    if (depth_ == kMaximumDepth) {
+    if (depth_ == kMaxElementDepth) {
       Refuse(kFailed, u"Elements are nested deeper than 256.");
       return;
     }
@@ -286,7 +287,7 @@ class TreeBuilder {
   xmlParserCtxtPtr parser_;
   NameTable names_;
   HRESULT status_ = kOk;
-  OpenElement open_[kMaximumDepth];
+  OpenElement open_[kMaxElementDepth];
   int depth_ = 0;
   std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
   bool blank_ = false;               // white space was dropped since the last child or tag

@@ -10,6 +10,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "filter_limits.h"
+
 namespace {
 
 constexpr std::size_t kBlock = 16;
@@ -140,7 +142,7 @@ class Preparation {
       *out_++ = static_cast<char>(unit);
       ++in_;
       if (unit == u'>') return true;
-      if (++attributes > kMaximumAttributes) return Refuse(u"An element has more than 10 000 attributes.");
+      if (++attributes > kMaxAttributes) return Refuse(u"An element has more than 10 000 attributes.");
       if (!(unit == u'"' ? CopyValue<kDoubleQuoted>() : CopyValue<kSingleQuoted>())) return false;
     }
   }
@@ -289,11 +291,11 @@ class Preparation {
 
   bool Grow(std::size_t capacity) {
     const std::size_t written = Written();
-    if (written > kMaximumXmlBytes) {
+    if (written > kMaxDocumentBytes) {
       status_ = PrepareStatus::kTooLong;
       return false;
     }
-    capacity = std::min(capacity, kMaximumXmlBytes + 2 * kRoom);
+    capacity = std::min(capacity, kMaxDocumentBytes + 2 * kRoom);
     char* const bytes = static_cast<char*>(std::realloc(prepared_.bytes, capacity + kPadding));
     if (bytes == nullptr) {
       status_ = PrepareStatus::kNoMemory;
@@ -307,7 +309,7 @@ class Preparation {
 
   void Finish() {
     prepared_.size = Written();
-    if (prepared_.size > kMaximumXmlBytes) status_ = PrepareStatus::kTooLong;
+    if (prepared_.size > kMaxDocumentBytes) status_ = PrepareStatus::kTooLong;
     std::memset(out_, 0, kPadding);
   }
 

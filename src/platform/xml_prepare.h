@@ -8,13 +8,6 @@
 #include <string_view>
 #include <vector>
 
-// The library compares each attribute of an element with all those before it: a hundred thousand cost seconds. No
-// drawing comes near this number. Namespace declarations count.
-inline constexpr int kMaximumAttributes = 10'000;
-
-// What the library can address.
-inline constexpr std::size_t kMaximumXmlBytes = 0x7FFFFFFF;
-
 // A line feed or tab of an attribute value. In the text that the library sees a blank stands in its place, which lets
 // the value through unchanged and fast. Only values of nothing but ASCII without references have such marks, so that
 // units and bytes of the value go one to one; in all others line feeds and tabs are written as references.
@@ -35,6 +28,7 @@ struct PreparedXml {
   const char16_t* refusal = nullptr;  // why the text is refused, as a sentence
 };
 
+// Too long is what the library cannot address, and what the interface does not take.
 enum class PrepareStatus { kPrepared, kRefused, kTooLong, kNoMemory };
 
 // Fills `prepared`, which must be fresh.

@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "filter_limits.h"
+
 void EmptyNodeList::AddRef() { ++tree_->references; }
 
 void EmptyNodeList::Release() { --tree_->references; }
@@ -115,7 +117,7 @@ void ElementNode::JoinText(std::u16string& text) const {
     const ElementNode* element;
     std::int32_t nextChild;
   };
-  Frame frames[kMaximumDepth];
+  Frame frames[kMaxElementDepth];
   int depth = 1;
   frames[0] = {this, 0};
   // Any white space between two pieces that was dropped, be it in one stretch or in several, is one blank.

@@ -10,9 +10,6 @@
 #include "platform/xml_arena.h"
 #include "platform/xml_document.h"
 
-// An element at this depth is the deepest; the root is at depth 1. Bounds what walks a document, in here and elsewhere.
-inline constexpr int kMaximumDepth = 256;
-
 class ElementNode;
 struct XmlTree;
 
