@@ -7,14 +7,14 @@
 
 #include "host/export.h"
 
-class HOST_VISIBLE CBaseDir {
+class CBaseDir {
  public:
   enum path_type : std::int32_t { kUnknownPath = 0 };
 
   CBaseDir() = default;
-  __attribute__((used)) inline CBaseDir(const CBaseDir& other)
+  HOST_INLINE CBaseDir(const CBaseDir& other)
       : widePath(other.widePath), narrowPath(other.narrowPath), type(other.type), word(other.word) {}
-  __attribute__((used)) inline CBaseDir& operator=(const CBaseDir& other) {
+  HOST_INLINE CBaseDir& operator=(const CBaseDir& other) {
     widePath = other.widePath;
     narrowPath = other.narrowPath;
     type = other.type;
@@ -22,11 +22,11 @@ class HOST_VISIBLE CBaseDir {
     return *this;
   }
 
-  __attribute__((used)) inline operator const char*() const { return narrowPath.c_str(); }
-  __attribute__((used)) inline operator const char16_t*() const { return widePath.c_str(); }
-  __attribute__((used)) inline operator std::string() const { return narrowPath; }
-  __attribute__((used)) inline operator std::u16string() const { return widePath; }
-  __attribute__((used)) inline path_type GetType() const { return type; }
+  HOST_INLINE operator const char*() const { return narrowPath.c_str(); }
+  HOST_INLINE operator const char16_t*() const { return widePath.c_str(); }
+  HOST_INLINE operator std::string() const { return narrowPath; }
+  HOST_INLINE operator std::u16string() const { return widePath; }
+  HOST_INLINE path_type GetType() const { return type; }
 
   std::u16string widePath;
   std::string narrowPath;

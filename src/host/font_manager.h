@@ -9,7 +9,7 @@
 
 // The font manager's interface: 22 operations of the host's, known by their places. Place 4 says goodbye, place 11
 // takes a FontRequest and returns 0 for success, place 14 is called once with 0 when the link is made.
-class FontManagerSupport {
+class HOST_VISIBLE FontManagerSupport {
  public:
   virtual std::uint32_t Operation0(std::uintptr_t argument) = 0;
   virtual std::uint32_t Operation1(std::uintptr_t argument) = 0;
@@ -54,7 +54,7 @@ static_assert(offsetof(FontRequest, option) == 2636);
 
 // What the create function of "gTypeHub.dll" returns: an object whose first word is its class table and whose second
 // word is the interface. The first operation of the class, called with 1, says whether the font manager is willing.
-class FontManagerObject {
+class HOST_VISIBLE FontManagerObject {
  public:
   virtual int Accept(int version) = 0;
 
@@ -65,7 +65,7 @@ class FontManagerObject {
 };
 
 // The interface that answers when there is no font manager.
-class FontManagerSupportDefault final : public FontManagerSupport {
+class HOST_VISIBLE FontManagerSupportDefault final : public FontManagerSupport {
  public:
   std::uint32_t Operation0(std::uintptr_t) override { return 0; }
   std::uint32_t Operation1(std::uintptr_t) override { return 0; }
@@ -92,10 +92,10 @@ class FontManagerSupportDefault final : public FontManagerSupport {
 };
 
 template <class Default>
-class DynamicLinkBase {
+class HOST_VISIBLE DynamicLinkBase {
  public:
   // The interface to call: the font manager's, or the default's.
-  HOST_VISIBLE FontManagerSupport* operator->() const;
+  HOST_INLINE FontManagerSupport* operator->() const { return iface; }
 
   std::uint32_t loaded = 0;  // 1 when the real library is in use
   FontManagerSupport* iface = nullptr;

@@ -38,8 +38,4 @@ DynamicLink<FontManagerSupport>* GetFontManager() { return run.fontManager.link;
 
 int UsingFontManager() { return run.FontManagerLinked; }
 
-template <class Default>
-FontManagerSupport* DynamicLinkBase<Default>::operator->() const {
-  return iface;
-}
 template class DynamicLinkBase<FontManagerSupportDefault>;
