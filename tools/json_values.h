@@ -1,0 +1,18 @@
+// How the tools write numbers and texts as JSON.
+#pragma once
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+#include <span>
+#include <string_view>
+
+using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
+
+// The shortest decimal form that reads back to the same bits; NaN and the infinities as the strings "NaN", "Infinity"
+// and
+// "-Infinity".
+void WriteNumber(JsonWriter& writer, double number);
+void WriteNumbers(JsonWriter& writer, std::span<const double> numbers);
+
+// UTF-8; an unpaired surrogate becomes U+FFFD.
+void WriteText(JsonWriter& writer, std::u16string_view text);

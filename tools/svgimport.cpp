@@ -1,0 +1,20 @@
+// The command-line tool of the import filter. Each of its commands stands in a file of its own.
+
+#include <csignal>
+#include <string>
+
+#include "tools/dump_command.h"
+#include "tools/option_values.h"
+
+int main(int argc, char** argv) {
+  // A reader that goes away shows as a failed write, so that temporary files are removed before the end.
+  std::signal(SIGPIPE, SIG_IGN);
+
+  CLI::App app("Looks at what the SVG import filter makes of a document.", "svgimport");
+  app.set_version_flag("-V,--version", std::string("svgimport ") + SVGIMPORT_VERSION);
+  app.require_subcommand(1);
+  app.footer("Examples:\n  svgimport dump drawing.svg\n  svgimport dump --help");
+  int status = kExitDone;
+  AddDumpCommand(app, status);
+  return ParseArguments(app, argc, argv).value_or(status);
+}
