@@ -16,7 +16,8 @@ struct HostFont : FontRecord {
 
 class FontTable {
  public:
-  // The record for the name, made now if there is none. Codes are running numbers from 1.
+  // The record for the name, made now if there is none. All have the code 1, so that what a paragraph shows does not
+  // depend on the fonts that were found before.
   FontRecord* Record(std::u16string_view name);
 
  private:
