@@ -254,7 +254,7 @@ class TreeBuilder {
   }
 
   void AddChild(TreeNode* child) {
-    child->blankInFront = blank_;
+    child->SetBlankInFront(blank_);
     blank_ = false;
     children_.push_back(child);
   }

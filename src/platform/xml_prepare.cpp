@@ -49,6 +49,8 @@ constexpr StopTable kStops;
 
 constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kStops.places[unit] & place) != 0; }
 
+constexpr bool IsBreak(char16_t unit) { return unit == u'\n' || unit == u'\t' || unit == u'\r'; }
+
 // Copies a block, and returns a bit for each unit at which a run in this place stops, the lowest for the first.
 #ifdef __SSE2__
 template <Place place>
@@ -164,10 +166,12 @@ class Preparation {
         return true;
       }
       if (unit == u'<') return Refuse(u"'<' stands in an attribute value.");
-      if (unit == u'\n' || unit == u'\t' || unit == u'\r') {
+      if (IsBreak(unit)) {
         // The library hands out the values of namespace declarations without their place in the text.
         if (!asReferences && prepared_.breaks.size() == breaksBefore) asReferences = InNamespaceDeclaration(valueOut);
-        if (!CopyBreak(asReferences)) return false;
+        while (in_ != end_ && IsBreak(*in_)) {
+          if (!CopyBreak(asReferences)) return false;
+        }
       } else if (unit == u'&' || unit > 0x7F) {
         if (!asReferences && prepared_.breaks.size() != breaksBefore) {
           // Begun under the wrong assumption: once more from the start of the value.

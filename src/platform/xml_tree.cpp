@@ -23,7 +23,7 @@ void TreeNode::AddRef() { ++tree_->references; }
 void TreeNode::Release() { --tree_->references; }
 
 HRESULT TreeNode::get_nodeType(NodeType* type) {
-  *type = type_;
+  *type = Type();
   return kOk;
 }
 
@@ -130,7 +130,7 @@ void ElementNode::JoinText(std::u16string& text) const {
       continue;
     }
     const TreeNode* const child = frame.element->children_[frame.nextChild++];
-    blank |= child->blankInFront;
+    blank |= child->BlankInFront();
     if (child->Type() == kElementNode) {
       frames[depth++] = {static_cast<const ElementNode*>(child), 0};
     } else if ((child->Type() == kTextNode || child->Type() == kCDataNode) && !child->Text().empty()) {

@@ -46,7 +46,10 @@ struct XmlTree {
 class TreeNode : public IXMLDOMNode {
  public:
   TreeNode(XmlTree* tree, NodeType type, std::u16string_view text)
-      : tree_(tree), text_(text.data()), textLength_(static_cast<std::uint32_t>(text.size())), type_(type) {}
+      : tree_(tree),
+        text_(text.data()),
+        textLength_(static_cast<std::uint32_t>(text.size())),
+        type_(static_cast<std::uint8_t>(type)) {}
 
   void AddRef() override;
   void Release() override;
@@ -58,10 +61,11 @@ class TreeNode : public IXMLDOMNode {
 
   // The data of a leaf, the value of an attribute, the local name of an element.
   std::u16string_view Text() const { return {text_, textLength_}; }
-  NodeType Type() const { return type_; }
+  NodeType Type() const { return static_cast<NodeType>(type_); }
 
-  bool blankInFront =
-      false;  // white space that is not in the tree stands between this node and the one before, or the tag
+  // White space that is not in the tree stands in front of this node, behind the one before or the start tag.
+  bool BlankInFront() const { return blankInFront_; }
+  void SetBlankInFront(bool blank) { blankInFront_ = blank; }
 
  protected:
   ~TreeNode() = default;
@@ -71,7 +75,8 @@ class TreeNode : public IXMLDOMNode {
  private:
   const char16_t* text_;
   std::uint32_t textLength_;
-  NodeType type_;
+  std::uint8_t type_;
+  bool blankInFront_ = false;
 };
 
 // A text, CDATA section or comment.
@@ -127,7 +132,7 @@ class ElementNode final : public TreeNode, public IXMLDOMNamedNodeMap, public IX
     childCount_ = childCount;
   }
 
-  bool blankAtEnd = false;      // as `blankInFront`, between the last child, or the start tag, and the end tag
+  bool blankAtEnd = false;      // white space that is not in the tree stands in front of the end tag
   bool preservesSpace = false;  // xml:space="preserve" is in force
 
  private:
