@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/platform/loopback_server.h"
+#include "tests/support/loopback_server.h"
 
 namespace {
 
