@@ -122,8 +122,7 @@ void ClearOperands() {
 }
 
 void DropOperands(std::int32_t n) {
-  while (n-- > 0 && PopDiscard()) {
-  }
+  while (n > 0 && PopDiscard()) --n;
 }
 
 void PushToken(std::u16string_view token) {

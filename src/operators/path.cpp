@@ -42,33 +42,6 @@ void QueueHostBezier(Point p0, Point p1, Point p2, Point p3) {
   PushPayload(KEY_BEZI, sizeof *record, record);
 }
 
-void MoveTo(bool relative) {
-  PathState& path = run.path;
-  Point p;
-  if (!PopPoint(&p)) return;
-  if (relative) p = Sum(p, path.userCurrent);
-  path.userStart = path.userCurrent = path.lastControl = p;
-  path.deviceStart = path.deviceCurrent = ToDevice(p);
-  if (path.PathOpen) return;
-  path.PathOpen = 1;
-  path.strokeSelected = 0;
-  path.fillSelector = 0;
-  PushCommand(KEY_PATH);
-}
-
-void LineTo(bool relative) {
-  PathState& path = run.path;
-  Point user;
-  if (!PopPoint(&user)) return;
-  if (relative) user = Sum(user, path.userCurrent);
-  const Point device = ToDevice(user);
-  if (device == path.deviceCurrent) return;
-  QueueDeviceLine(path.deviceCurrent, device);
-  path.deviceCurrent = device;
-  path.lastControl = path.userCurrent;
-  path.userCurrent = user;
-}
-
 // The segment of H and V. Its start is worked out anew from userCurrent, where L uses the device pen; and the test for
 // a segment without length compares user space with device space. Both are meant.
 void AxisLineTo(Point user) {
@@ -81,26 +54,15 @@ void AxisLineTo(Point user) {
   path.userCurrent = user;
 }
 
-// lastControl is written as soon as the second pair has been popped, also when the first then turns out to be missing.
-void CurveTo(bool relative) {
-  PathState& path = run.path;
+// The second control is remembered as soon as it has been popped whole, also when the first turns out to be missing.
+void PopAndCurveTo(bool relative) {
   Point end, control2, control1;
   if (!PopPoint(&end) || !PopPoint(&control2)) return;
-  if (relative) control2 = Sum(control2, path.userCurrent);
-  path.lastControl = control2;
-  if (!PopPoint(&control1)) return;
-  if (relative) {
-    end = Sum(end, path.userCurrent);
-    control1 = Sum(control1, path.userCurrent);
+  if (!PopPoint(&control1)) {
+    run.path.lastControl = relative ? Sum(control2, run.path.userCurrent) : control2;
+    return;
   }
-
-  const Point c1 = ToDevice(control1);
-  const Point c2 = ToDevice(control2);
-  const Point p = ToDevice(end);
-  if (path.deviceCurrent == c1 && path.deviceCurrent == c2 && path.deviceCurrent == p) return;
-  QueueBezier(path.deviceCurrent, c1, c2, p);
-  path.deviceCurrent = p;
-  path.userCurrent = end;
+  CurveTo(control1, control2, end, relative);
 }
 
 }  // namespace
@@ -123,46 +85,63 @@ void QueueBezier(Point start, Point control1, Point control2, Point end) {
   QueueHostBezier(ToHost(start), ToHost(control1), ToHost(control2), ToHost(end));
 }
 
-// M, m: x y -> -
-void OperatorMoveTo(const OperatorCall& call) { MoveTo(IsRelative(call)); }
-
-// wMt: x y -> -
-void OperatorMoveToAbsolute(const OperatorCall&) { MoveTo(false); }
-
-// L, l: x y -> -
-void OperatorLineTo(const OperatorCall& call) { LineTo(IsRelative(call)); }
-
-// wLt: x y -> -
-void OperatorLineToAbsolute(const OperatorCall&) { LineTo(false); }
-
-// H, h: x -> -
-void OperatorHorizontal(const OperatorCall& call) {
-  const Point pen = run.path.userCurrent;
-  const double x = PopNumberOrZero();
-  AxisLineTo({IsRelative(call) ? x + pen.x : x, pen.y});
-}
-
-// V, v: y -> -
-void OperatorVertical(const OperatorCall& call) {
-  const Point pen = run.path.userCurrent;
-  const double y = PopNumberOrZero();
-  AxisLineTo({pen.x, IsRelative(call) ? y + pen.y : y});
-}
-
-// C, c: x1 y1 x2 y2 x y -> -
-void OperatorCurve(const OperatorCall& call) { CurveTo(IsRelative(call)); }
-
-// wCto: x1 y1 x2 y2 x y -> -
-void OperatorCurveAbsolute(const OperatorCall&) { CurveTo(false); }
-
-// S?, s?: x2 y2 x y -> -. The first control is lastControl mirrored at the pen, in device space.
-void OperatorSmoothCurve(const OperatorCall& call) {
+void MoveTo(Point p, bool relative) {
   PathState& path = run.path;
-  Point end, control2;
-  if (!PopPoint(&end) || !PopPoint(&control2)) return;
-  if (IsRelative(call)) {
-    end = Sum(end, path.userCurrent);
+  if (relative) p = Sum(p, path.userCurrent);
+  path.userStart = path.userCurrent = path.lastControl = p;
+  path.deviceStart = path.deviceCurrent = ToDevice(p);
+  if (path.PathOpen) return;
+  path.PathOpen = 1;
+  path.strokeSelected = 0;
+  path.fillSelector = 0;
+  PushCommand(KEY_PATH);
+}
+
+void LineTo(Point p, bool relative) {
+  PathState& path = run.path;
+  if (relative) p = Sum(p, path.userCurrent);
+  const Point device = ToDevice(p);
+  if (device == path.deviceCurrent) return;
+  QueueDeviceLine(path.deviceCurrent, device);
+  path.deviceCurrent = device;
+  path.lastControl = path.userCurrent;
+  path.userCurrent = p;
+}
+
+void HorizontalTo(double x, bool relative) {
+  const Point pen = run.path.userCurrent;
+  AxisLineTo({relative ? x + pen.x : x, pen.y});
+}
+
+void VerticalTo(double y, bool relative) {
+  const Point pen = run.path.userCurrent;
+  AxisLineTo({pen.x, relative ? y + pen.y : y});
+}
+
+void CurveTo(Point control1, Point control2, Point end, bool relative) {
+  PathState& path = run.path;
+  if (relative) {
+    control1 = Sum(control1, path.userCurrent);
     control2 = Sum(control2, path.userCurrent);
+    end = Sum(end, path.userCurrent);
+  }
+  path.lastControl = control2;
+  const Point pen = path.deviceCurrent;
+  const Point c1 = ToDevice(control1);
+  const Point c2 = ToDevice(control2);
+  const Point p = ToDevice(end);
+  if (pen == c1 && pen == c2 && pen == p) return;
+  QueueBezier(pen, c1, c2, p);
+  path.deviceCurrent = p;
+  path.userCurrent = end;
+}
+
+// The first control is lastControl mirrored at the pen, in device space.
+void SmoothCurveTo(Point control2, Point end, bool relative) {
+  PathState& path = run.path;
+  if (relative) {
+    control2 = Sum(control2, path.userCurrent);
+    end = Sum(end, path.userCurrent);
   }
   const Point pen = path.deviceCurrent;
   const Point mirrored = ToDevice(path.lastControl);
@@ -176,18 +155,13 @@ void OperatorSmoothCurve(const OperatorCall& call) {
   path.userCurrent = end;
 }
 
-// Q, q: x1 y1 x y -> -. A quadratic never reaches the host as a curve: it is walked backwards in steps of about 10 user
-// units, each piece written against the curve's direction, and the last one forwards. A sample with an exact 0.0 in
-// either coordinate counts as no sample, and the piece that it begins is left out. All this is meant.
-void OperatorQuadratic(const OperatorCall& call) {
+// A quadratic never reaches the host as a curve: it is walked backwards in steps of about 10 user units, each piece
+// written against the curve's direction, and the last one forwards. A sample with an exact 0.0 in either coordinate
+// counts as no sample, and the piece that it begins is left out. All this is meant.
+void QuadraticTo(Point c, Point p1, bool relative) {
   PathState& path = run.path;
   const Point p0 = path.userCurrent;
-  Point p1, c;
-  p1.y = PopNumberOrZero();
-  p1.x = PopNumberOrZero();
-  c.y = PopNumberOrZero();
-  c.x = PopNumberOrZero();
-  if (IsRelative(call)) {
+  if (relative) {
     p1 = Sum(p1, p0);
     c = Sum(c, p0);
   }
@@ -209,15 +183,12 @@ void OperatorQuadratic(const OperatorCall& call) {
   path.deviceCurrent = ToDevice(p1);
 }
 
-// Tp, tp: x y -> -. Raised to a cubic, unlike Q. userCurrent moves also when nothing is drawn, and lastControl ends on
+// Raised to a cubic, unlike the other quadratic. userCurrent moves also when nothing is drawn, and lastControl ends on
 // the curve's end, so that a second one in a row mirrors the pen onto itself.
-void OperatorSmoothQuadratic(const OperatorCall& call) {
+void SmoothQuadraticTo(Point end, bool relative) {
   PathState& path = run.path;
   const Point p0 = path.userCurrent;
-  Point end;
-  end.y = PopNumberOrZero();
-  end.x = PopNumberOrZero();
-  if (IsRelative(call)) end = Sum(end, p0);
+  if (relative) end = Sum(end, p0);
   constexpr double kThird = 0.3333333333333333;
   const Point c = {2.0 * p0.x - path.lastControl.x, 2.0 * p0.y - path.lastControl.y};
   const Point control1 = {(c.x + c.x + p0.x) * kThird, (c.y + c.y + p0.y) * kThird};
@@ -232,6 +203,66 @@ void OperatorSmoothQuadratic(const OperatorCall& call) {
   QueueBezier(pen, c1, c2, p);
   path.deviceCurrent = p;
   path.lastControl = path.userCurrent;
+}
+
+// M, m: x y -> -
+void OperatorMoveTo(const OperatorCall& call) {
+  Point p;
+  if (PopPoint(&p)) MoveTo(p, IsRelative(call));
+}
+
+// wMt: x y -> -
+void OperatorMoveToAbsolute(const OperatorCall&) {
+  Point p;
+  if (PopPoint(&p)) MoveTo(p, false);
+}
+
+// L, l: x y -> -
+void OperatorLineTo(const OperatorCall& call) {
+  Point p;
+  if (PopPoint(&p)) LineTo(p, IsRelative(call));
+}
+
+// wLt: x y -> -
+void OperatorLineToAbsolute(const OperatorCall&) {
+  Point p;
+  if (PopPoint(&p)) LineTo(p, false);
+}
+
+// H, h: x -> -
+void OperatorHorizontal(const OperatorCall& call) { HorizontalTo(PopNumberOrZero(), IsRelative(call)); }
+
+// V, v: y -> -
+void OperatorVertical(const OperatorCall& call) { VerticalTo(PopNumberOrZero(), IsRelative(call)); }
+
+// C, c: x1 y1 x2 y2 x y -> -
+void OperatorCurve(const OperatorCall& call) { PopAndCurveTo(IsRelative(call)); }
+
+// wCto: x1 y1 x2 y2 x y -> -
+void OperatorCurveAbsolute(const OperatorCall&) { PopAndCurveTo(false); }
+
+// S?, s?: x2 y2 x y -> -
+void OperatorSmoothCurve(const OperatorCall& call) {
+  Point end, control2;
+  if (PopPoint(&end) && PopPoint(&control2)) SmoothCurveTo(control2, end, IsRelative(call));
+}
+
+// Q, q: x1 y1 x y -> -
+void OperatorQuadratic(const OperatorCall& call) {
+  Point end, control;
+  end.y = PopNumberOrZero();
+  end.x = PopNumberOrZero();
+  control.y = PopNumberOrZero();
+  control.x = PopNumberOrZero();
+  QuadraticTo(control, end, IsRelative(call));
+}
+
+// Tp, tp: x y -> -
+void OperatorSmoothQuadratic(const OperatorCall& call) {
+  Point end;
+  end.y = PopNumberOrZero();
+  end.x = PopNumberOrZero();
+  SmoothQuadraticTo(end, IsRelative(call));
 }
 
 // Y, y: x1 y1 x y -> -. Both spellings are absolute, and the payload alone among all is not flipped in y.

@@ -35,45 +35,39 @@ void DropTail(CommandQueue& queue) {
   if (--queue.count == 0) queue.head = 0;
 }
 
-ImportCommand MakeRecord(CommandKey key, std::uint32_t size) {
-  ImportCommand record;
-  std::memset(&record, 0, sizeof record);
-  record.key = key;
-  record.size = size;
-  return record;
-}
-
-}  // namespace
-
-void PushCommand(const ImportCommand& record) {
-  CommandQueue& queue = run.commands;
+// The slot behind the last record, which counts from now on; the caller fills it.
+ImportCommand& NewRecord(CommandQueue& queue) {
   if (queue.capacity <= queue.count + 1) Grow(queue);
   queue.head &= queue.capacity - 1;
   ImportCommand*& slot = queue.slots[(queue.head + queue.count) & (queue.capacity - 1)];
   if (!slot) slot = static_cast<ImportCommand*>(AllocateHost(sizeof(ImportCommand)));
-  *slot = record;
   ++queue.count;
+  return *slot;
 }
 
-void PushCommand(CommandKey key) { PushCommand(MakeRecord(key, 0)); }
-
-void PushValue(CommandKey key, std::int32_t value) {
-  ImportCommand record = MakeRecord(key, 0);
+void PushSized(CommandKey key, std::uint32_t size, std::int32_t value) {
+  ImportCommand& record = NewRecord(run.commands);
+  record.key = key;
+  record.size = size;
   record.value = value;
-  PushCommand(record);
 }
 
-void PushMarker(CommandKey key, std::int32_t value) {
-  ImportCommand record = MakeRecord(key, 4);
-  record.value = value;
-  PushCommand(record);
-}
+}  // namespace
+
+void PushCommand(const ImportCommand& record) { NewRecord(run.commands) = record; }
+
+void PushCommand(CommandKey key) { PushSized(key, 0, 0); }
+
+void PushValue(CommandKey key, std::int32_t value) { PushSized(key, 0, value); }
+
+void PushMarker(CommandKey key, std::int32_t value) { PushSized(key, 4, value); }
 
 void PushPayload(CommandKey key, std::uint32_t size, void* payload) {
-  ImportCommand record = MakeRecord(key, size);
-  record.data = payload;
   try {
-    PushCommand(record);
+    ImportCommand& record = NewRecord(run.commands);
+    record.key = key;
+    record.size = size;
+    record.data = payload;
   } catch (...) {
     FreeHost(payload);
     throw;
@@ -87,7 +81,7 @@ void PushWidth(double width, std::uint32_t size) {
 }
 
 ImportCommand PopCommand(CommandQueue& queue) {
-  if (queue.count == 0) return MakeRecord(KEY_NULL, 0);
+  if (queue.count == 0) return {};
   ImportCommand& slot = *queue.slots[queue.head & (queue.capacity - 1)];
   const ImportCommand record = slot;
   slot.key = KEY_NULL;

@@ -8,9 +8,9 @@
 namespace {
 
 // 10 to these powers are exact doubles.
-constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kMaxExactPower = 22;
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                   1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+constexpr std::ptrdiff_t kMaxPlainDigits = 19;
 constexpr std::uint64_t kMaxExactMantissa = std::uint64_t{1} << 53;
 
 // The number of these units, which have the form of a number without a plus sign, by the library's correctly rounding
@@ -58,36 +58,46 @@ double Convert(std::u16string_view number) {
 
 }  // namespace
 
+// Up to 19 digits fit the integer. With an integer up to 2^53 and an exact power of ten one division rounds correctly.
+bool ScanPlainDouble(const char16_t*& cursor, const char16_t* end, double* value) {
+  const char16_t* c = cursor;
+  bool negative = false;
+  if (c != end && (*c == u'-' || *c == u'+')) negative = *c++ == u'-';
+  std::uint64_t mantissa = 0;
+  const char16_t* const first = c;
+  for (; c != end && IsDigit(*c); ++c) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
+  std::ptrdiff_t digits = c - first;
+  std::ptrdiff_t scale = 0;
+  if (c != end && *c == u'.') {
+    const char16_t* const point = ++c;
+    for (; c != end && IsDigit(*c); ++c) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
+    scale = c - point;
+    digits += scale;
+  }
+  if (digits == 0 || digits > kMaxPlainDigits || mantissa > kMaxExactMantissa) return false;
+  if (c != end && (*c == u'e' || *c == u'E')) return false;
+  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[scale];
+  *value = negative ? -magnitude : magnitude;
+  cursor = c;
+  return true;
+}
+
 double ScanDouble(std::u16string_view text, std::size_t* consumed) {
   const char16_t* const begin = text.data();
   const char16_t* const end = begin + text.size();
   const char16_t* c = begin;
-  bool negative = false;
-  if (c != end && (*c == u'-' || *c == u'+')) negative = *c++ == u'-';
-
-  // One walk finds the end of the number and gathers its digits while they fit an exact integer.
-  std::uint64_t mantissa = 0;
-  int digits = 0;
-  int scale = 0;
-  bool exact = true;
-  const char16_t* const first = c;
-  for (; c != end && IsDigit(*c); ++c) {
-    mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
+  double value;
+  if (ScanPlainDouble(c, end, &value)) {
+    *consumed = static_cast<std::size_t>(c - begin);
+    return value;
   }
-  digits = static_cast<int>(c - first > 1000 ? 1000 : c - first);
+  if (c != end && (*c == u'-' || *c == u'+')) ++c;
+  std::size_t digits = 0;
+  for (; c != end && IsDigit(*c); ++c) ++digits;
   if (c != end && *c == u'.') {
-    const char16_t* const point = ++c;
-    for (; c != end && IsDigit(*c); ++c) {
-      mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
-    }
-    const std::ptrdiff_t fraction = c - point;
-    if (digits == 0 && fraction == 0) {
-      *consumed = 0;
-      return 0.0;
-    }
-    scale = static_cast<int>(fraction > 1000 ? 1000 : fraction);
-    digits += scale;
-  } else if (digits == 0) {
+    for (++c; c != end && IsDigit(*c); ++c) ++digits;
+  }
+  if (digits == 0) {
     *consumed = 0;
     return 0.0;
   }
@@ -97,17 +107,9 @@ double ScanDouble(std::u16string_view text, std::size_t* consumed) {
     if (e != end && IsDigit(*e)) {
       while (e != end && IsDigit(*e)) ++e;
       c = e;
-      exact = false;
     }
   }
   *consumed = static_cast<std::size_t>(c - begin);
-
-  // Up to 19 digits fit the integer. With an integer up to 2^53 and an exact power of ten one division rounds
-  // correctly.
-  if (exact && digits <= 19 && mantissa <= kMaxExactMantissa && scale <= kMaxExactPower) {
-    const double value = static_cast<double>(mantissa) / kPowersOfTen[scale];
-    return negative ? -value : value;
-  }
   const char16_t* number = *begin == u'+' ? begin + 1 : begin;
   return Convert({number, static_cast<std::size_t>(c - number)});
 }

@@ -5,6 +5,7 @@
 
 #include "document/node_access.h"
 #include "operators/operator_machine.h"
+#include "operators/path.h"
 #include "operators/path_end.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
@@ -72,6 +73,34 @@ void PushSeparator(Cursor& cursor, GrowingText& out) {
 
 bool IsSeparator(char16_t c) { return c == u' ' || c == u','; }
 
+// Whether a number in its plain form may end in front of this unit: whether the scanners would end it there as well.
+bool EndsPlainNumber(char16_t c) { return c == u'-' || !(IsNumberUnit(c) || IsSkippedSpace(c)); }
+
+// A pair in its plain form, two numbers with blanks or commas between them; the cursor moves behind it as
+// ScanCoordinatePair would go on. False for every other form.
+bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point) {
+  const char16_t* c = cursor;
+  while (c != end && *c == u' ') ++c;
+  if (!ScanPlainDouble(c, end, &point->x) || c == end || !(IsSeparator(*c) || *c == u'-')) return false;
+  while (c != end && IsSeparator(*c)) ++c;
+  if (!ScanPlainDouble(c, end, &point->y)) return false;
+  if (c != end) {
+    if (!EndsPlainNumber(*c)) return false;
+    if (IsSeparator(*c)) ++c;
+  }
+  cursor = c;
+  return true;
+}
+
+// The same for one number, as ScanNumber would go on.
+bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value) {
+  const char16_t* c = cursor;
+  while (c != end && *c == u' ') ++c;
+  if (!ScanPlainDouble(c, end, value) || (c != end && !EndsPlainNumber(*c))) return false;
+  cursor = c;
+  return true;
+}
+
 // The letters of a path's data, and how they become operator text.
 class PathWriter {
  public:
@@ -81,11 +110,13 @@ class PathWriter {
  private:
   char16_t Unit() const { return i_ < data_.size() ? data_[i_] : u'\0'; }
   bool Dispatch(char16_t letter, ScanFrom from);
+  bool DrawPlain(char16_t letter, ScanFrom from);
   void Pair(ScanFrom from) { i_ += ScanCoordinatePair(from, data_.substr(Here()), number_); }
   void Number(ScanFrom from) { i_ += ScanNumber(from, data_.substr(Here()), number_); }
   void Push() { FeedOperatorText(number_, kPushOnly); }
   void Execute(char16_t letter);
   void PushFlags();
+  void Remember(char16_t letter) { remembered_ = letter == u'M' ? u'L' : letter == u'm' ? u'l' : letter; }
   std::size_t Here() const { return i_ < data_.size() ? i_ : data_.size(); }
 
   std::u16string_view data_;
@@ -113,8 +144,69 @@ void PathWriter::PushFlags() {
   Push();
 }
 
+// Draws a command whose numbers all have the plain form without a way through operator text, which makes out a fifth of
+// an import: the operands would be pushed and taken off again, and the operators look at their first letter only.
+// False, with nothing done, for every other command.
+bool PathWriter::DrawPlain(char16_t letter, ScanFrom from) {
+  const char16_t* c = data_.data() + i_ + (from == ScanFrom::Letter ? 1 : 0);
+  const char16_t* const end = data_.data() + data_.size();
+  const bool relative = letter >= u'a';
+  Point p[3];
+  double number;
+  switch (letter) {
+    case u'M':
+    case u'm':
+      if (!ReadPlainPair(c, end, &p[0])) return false;
+      MoveTo(p[0], relative);
+      break;
+    case u'L':
+    case u'l':
+      if (!ReadPlainPair(c, end, &p[0])) return false;
+      LineTo(p[0], relative);
+      break;
+    case u'H':
+    case u'h':
+      if (!ReadPlainNumber(c, end, &number)) return false;
+      HorizontalTo(number, relative);
+      break;
+    case u'V':
+    case u'v':
+      if (!ReadPlainNumber(c, end, &number)) return false;
+      VerticalTo(number, relative);
+      break;
+    case u'C':
+    case u'c':
+      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1]) || !ReadPlainPair(c, end, &p[2])) return false;
+      CurveTo(p[0], p[1], p[2], relative);
+      break;
+    case u'S':
+    case u's':
+      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1])) return false;
+      added_ = u'c';
+      SmoothCurveTo(p[0], p[1], relative);
+      break;
+    case u'Q':
+    case u'q':
+      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1])) return false;
+      QuadraticTo(p[0], p[1], relative);
+      break;
+    case u'T':
+    case u't':
+      if (!ReadPlainPair(c, end, &p[0])) return false;
+      added_ = u'p';
+      SmoothQuadraticTo(p[0], relative);
+      break;
+    default:
+      return false;
+  }
+  i_ = static_cast<std::size_t>(c - data_.data());
+  Remember(letter);
+  return true;
+}
+
 // False when the letter is no command.
 bool PathWriter::Dispatch(char16_t letter, ScanFrom from) {
+  if (DrawPlain(letter, from)) return true;
   switch (letter) {
     case u'L':
     case u'M':
@@ -172,7 +264,7 @@ bool PathWriter::Dispatch(char16_t letter, ScanFrom from) {
       return false;
   }
   Execute(letter);
-  remembered_ = letter == u'M' ? u'L' : letter == u'm' ? u'l' : letter;
+  Remember(letter);
   return true;
 }
 
