@@ -1,6 +1,5 @@
 #include "translators/path_data.h"
 
-#include <algorithm>
 #include <string>
 
 #include "document/node_access.h"
@@ -280,6 +279,15 @@ void PathWriter::Run() {
   }
 }
 
+bool IsLineEnd(char16_t c) { return c == u'\r' || c == u'\n'; }
+
+// Looks at every unit, without an early end, so that the compiler can take many at a time.
+bool HasLineEnd(std::u16string_view text) {
+  bool found = false;
+  for (const char16_t c : text) found |= IsLineEnd(c);
+  return found;
+}
+
 }  // namespace
 
 std::size_t ScanCoordinatePair(ScanFrom from, std::u16string_view in, GrowingText& out) {
@@ -326,10 +334,11 @@ void TranslatePath(IXMLDOMNode* node) {
   // Line ends separate numbers here, where tabs do not.
   std::u16string_view data = GetNodeAttribute(node, u"d");
   std::u16string oneLine;
-  if (data.find_first_of(u"\r\n") != data.npos) {
+  if (HasLineEnd(data)) {
     oneLine = data;
-    std::replace_if(
-        oneLine.begin(), oneLine.end(), [](char16_t c) { return c == u'\r' || c == u'\n'; }, u' ');
+    for (char16_t& c : oneLine) {
+      if (IsLineEnd(c)) c = u' ';
+    }
     data = oneLine;
   }
   PathWriter(data).Run();
