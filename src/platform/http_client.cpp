@@ -122,14 +122,16 @@ struct HttpFetch::Transfer {
     }
   }
 
-  // Takes a piece of the body, or nothing as long as the one before has not been read.
-  bool TakeBody(const char* data, std::size_t size) {
+  // Takes a piece of the body, or nothing as long as the one before has not been read. Returns what the library
+  // expects.
+  std::size_t TakeBody(const char* data, std::size_t size) {
+    if (size > sizeof body) return 0;  // more than the library promises; ends the transfer
     paused = bodyNext != bodyEnd;
-    if (paused) return false;
+    if (paused) return CURL_WRITEFUNC_PAUSE;
     ++progress;
     bodyNext = body;
     bodyEnd = std::copy_n(data, size, body);
-    return true;
+    return size;
   }
 
   // Works on the transfer until `enough` or the end. False when it stalls or the library fails.
@@ -186,7 +188,7 @@ struct HttpFetch::Transfer {
   }
 
   static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* transfer) {
-    return static_cast<Transfer*>(transfer)->TakeBody(data, size * count) ? size * count : CURL_WRITEFUNC_PAUSE;
+    return static_cast<Transfer*>(transfer)->TakeBody(data, size * count);
   }
 
   CurlLibrary curl;

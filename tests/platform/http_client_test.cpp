@@ -46,7 +46,13 @@ std::size_t ThreadCount() {
   return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
 }
 
-constexpr HttpTimeouts kImpatient = {2000, 200, 5000};
+// A thread that was waited for may show a moment longer.
+bool ThreadCountBecomes(std::size_t count) {
+  for (int i = 0; i < 100 && ThreadCount() != count; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  return ThreadCount() == count;
+}
+
+constexpr HttpTimeouts kImpatient = {2000, 500, 5000};
 
 }  // namespace
 
@@ -301,7 +307,7 @@ TEST(HttpFetch, AServerThatNeverAnswersIsGivenUp) {
   ASSERT_TRUE(fetch.ParseUrl(server.Url("/")));
   const auto start = Clock::now();
   EXPECT_FALSE(fetch.Open(kImpatient));
-  EXPECT_GE(SecondsSince(start), 0.19);
+  EXPECT_GE(SecondsSince(start), 0.49);
   EXPECT_LT(SecondsSince(start), 2.0);
 }
 
@@ -361,12 +367,12 @@ TEST(HttpFetch, LeavesNoThreadBehind) {
     ASSERT_TRUE(fetch.ParseUrl(std::u16string(url.begin(), url.end())));
     fetch.Open(kImpatient);
     fetch.Close();
-    EXPECT_EQ(ThreadCount(), before);
+    EXPECT_TRUE(ThreadCountBecomes(before));
   }
   HttpFetch unknown;
   ASSERT_TRUE(unknown.ParseUrl(u"http://no-such-host.invalid/"));
   EXPECT_FALSE(unknown.Open(kImpatient));
-  EXPECT_EQ(ThreadCount(), before);
+  EXPECT_TRUE(ThreadCountBecomes(before));
 }
 
 TEST(HttpFetch, TheTransferLibraryStaysLoadedOnceItWas) {
