@@ -7,6 +7,7 @@
 #include "operators/operator_machine.h"
 #include "platform/narrow_text.h"
 #include "tests/support/filter_test.h"
+#include "tests/support/machine_state.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ class Dispatch : public FilterTest {
       FeedOperatorText(numbers + token, kExecute);
       for (const std::string& line : Drain()) trace += line + '\n';
       for (const std::string& line : Operands()) trace += line + '\n';
-      trace += State() + " messages " + std::to_string(ShownMessages().size() - messages) + " dialogs " +
+      trace += MachineState() + " messages " + std::to_string(ShownMessages().size() - messages) + " dialogs " +
                std::to_string(AskedFiles().size() - dialogs) + "\n\n";
     }
     return trace;
@@ -90,40 +91,6 @@ class Dispatch : public FilterTest {
     if (setting == 0) run.path.deviceCurrent = run.path.userCurrent = {3, 4};
     run.path.lastControl = {1, 2};
     Drain();
-  }
-
-  static std::string State() {
-    std::string text;
-    const auto add = [&text](const char* name, std::initializer_list<double> values) {
-      text += name;
-      for (double value : values) text += ' ' + ShowNumber(value);
-      text += "; ";
-    };
-    const auto addMatrix = [&add](const char* name, const TM& m) { add(name, {m.a, m.b, m.c, m.d, m.e, m.f}); };
-    const auto addColour = [&text, &add](const char* name, const PaintColour& c) {
-      add(name, {static_cast<double>(c.colour), static_cast<double>(c.tint), c.cmyk[0], c.cmyk[1], c.cmyk[2], c.cmyk[3],
-                 c.rgb[0], c.rgb[1], c.rgb[2], static_cast<double>(c.isRgb)});
-      text += Utf8FromWide(c.name) + "; ";
-    };
-    const PathState& p = run.path;
-    add("path",
-        {static_cast<double>(p.PathOpen), p.deviceCurrent.x, p.deviceCurrent.y, p.deviceStart.x, p.deviceStart.y,
-         p.userCurrent.x, p.userCurrent.y, p.userStart.x, p.userStart.y, p.lastControl.x, p.lastControl.y});
-    add("paint", {static_cast<double>(p.fillSelector), static_cast<double>(p.strokeSelected),
-                  static_cast<double>(p.compoundDepth), static_cast<double>(p.deferredPaint == PaintNothing),
-                  static_cast<double>(run.paint.GradientFillPending)});
-    add("clip", {static_cast<double>(run.clip.clipOpen), static_cast<double>(run.clip.clipPending),
-                 static_cast<double>(run.clip.clipDepth), static_cast<double>(run.clip.groupDepth)});
-    add("stack", {static_cast<double>(run.graphics.frameIndex), static_cast<double>(run.graphics.saveDepth),
-                  static_cast<double>(run.skipArrayOpen)});
-    addMatrix("default", run.graphics.defaultMatrix);
-    const GraphicsState& frame = CurrentFrame();
-    addMatrix("matrix", frame.currentMatrix);
-    addColour("fill", frame.fill);
-    addColour("outline", frame.outline);
-    add("line", {static_cast<double>(frame.lineCap), static_cast<double>(frame.lineJoin),
-                 static_cast<double>(frame.miterLimit), static_cast<double>(frame.miterLimitActive), frame.lineWidth});
-    return text;
   }
 
   std::map<std::string, std::string> traces_;

@@ -228,6 +228,60 @@ TEST(ScanDouble, ReadsNumbersOfAnyLength) {
   ExpectAsStrtod("." + std::string(1500, '0') + "7e1500");
 }
 
+// The plain form of the same: what it takes it takes alike, what it refuses it leaves alone.
+struct Plain {
+  bool taken;
+  double value;
+  std::size_t consumed;
+};
+
+Plain ScanPlain(std::u16string_view text) {
+  Plain plain = {false, -1.0, 0};
+  const char16_t* cursor = text.data();
+  plain.taken = ScanPlainDouble(cursor, text.data() + text.size(), &plain.value);
+  plain.consumed = static_cast<std::size_t>(cursor - text.data());
+  return plain;
+}
+
+TEST(ScanPlainDouble, ReadsAFewDigitsWithSignAndPoint) {
+  for (const std::u16string_view text : {u"0", u"-0", u"12", u"-12.5", u".5", u"-.25", u"123.456", u"0.001", u"1,2",
+                                         u"1 2", u"1-2", u"1.5.5", u"10L", u"3px"}) {
+    SCOPED_TRACE(NarrowFromWide(text));
+    const Scanned scanned = Scan(text);
+    const Plain plain = ScanPlain(text);
+    EXPECT_TRUE(plain.taken);
+    EXPECT_TRUE(SameBits(plain.value, scanned.value));
+    EXPECT_EQ(plain.consumed, scanned.consumed);
+  }
+}
+
+TEST(ScanPlainDouble, RefusesEveryOtherFormAndStaysWhereItWas) {
+  for (const std::u16string_view text : {u"", u"-", u"+", u".", u"-.", u"x", u" 1", u"1e5", u"1E5", u"1.5e-3", u"inf",
+                                         u"nan", u"12345678901234567890123", u"0.12345678901234567890123"}) {
+    SCOPED_TRACE(NarrowFromWide(text));
+    const Plain plain = ScanPlain(text);
+    EXPECT_FALSE(plain.taken);
+    EXPECT_EQ(plain.consumed, 0u);
+  }
+}
+
+TEST(ScanPlainDouble, AgreesWithTheGeneralFormOnRandomTexts) {
+  std::mt19937_64 random(99);
+  constexpr std::u16string_view kUnits = u"00123456789..-+eE x";
+  for (int i = 0; i < 100'000; ++i) {
+    std::u16string text;
+    for (std::size_t length = random() % 26; length > 0; --length) text += kUnits[random() % kUnits.size()];
+    const Plain plain = ScanPlain(text);
+    if (!plain.taken) {
+      ASSERT_EQ(plain.consumed, 0u) << NarrowFromWide(text);
+      continue;
+    }
+    const Scanned scanned = Scan(text);
+    ASSERT_TRUE(SameBits(plain.value, scanned.value)) << NarrowFromWide(text);
+    ASSERT_EQ(plain.consumed, scanned.consumed) << NarrowFromWide(text);
+  }
+}
+
 TEST(LeadingNumber, SkipsWhiteSpaceInFront) {
   EXPECT_EQ(LeadingNumber(u"12.5mm"), 12.5);
   EXPECT_EQ(LeadingNumber(u" \t\n\v\f\r-3e1 7"), -30.0);
