@@ -95,7 +95,7 @@ TEST_F(Ops, TheTableOfNamedGradientsComesFromAFile) {
   EXPECT_EQ(result.status, 0);
   ASSERT_EQ(result.Lines().size(), 2u);
   EXPECT_EQ(result.Lines()[0], "{\"key\":12,\"name\":\"KEY_FILL\",\"size\":0,\"value\":0}");
-  const std::string& fill = result.Lines()[1];
+  const std::string fill = result.Lines()[1];
   EXPECT_NE(fill.find("\"fillType\":5"), fill.npos);
   // 255 less ink and black: stop 0, then stop 1.
   EXPECT_NE(fill.find("\"colourA\":[255,200,0],\"colourB\":[145,155,155]"), fill.npos);

@@ -3,13 +3,13 @@
 
 #include <cstdio>
 #include <stdexcept>
-#include <string_view>
+#include <string>
 
 #include "run/import_command.h"
 
 namespace {
 
-std::u16string_view path;
+std::u16string path;
 int returned = 0;
 
 }  // namespace
