@@ -73,21 +73,22 @@ bool WriteEmbeddedImage(std::u16string_view reference, TemporaryImageFile& file)
   if (extension.empty()) return false;
   const std::string bytes = DecodeBase64(BehindComma(reference));
   file.createdName = CreateTemporaryFile(TemporaryFolder(), u"IMG");
+  if (file.createdName.empty()) return true;  // no file, no path
   file.finalName = file.createdName.substr(0, file.createdName.rfind(u'.') + 1);
   file.finalName += extension;
-  if (!file.createdName.empty()) WriteReplacingFile(file.finalName, bytes);
+  WriteReplacingFile(file.finalName, bytes);
   return true;
 }
 
-// A new name in the host's base folder. The whole path is cut at its first ".", also one in a folder's name, and always
-// ends in
-// ".png"; the empty file that reserved the name stays beside it. All this is meant.
+// A new name in the host's base folder, empty when there can be none. The whole path is cut at its first ".", also one
+// in a folder's name, and always ends in ".png"; the empty file that reserved the name stays beside it. All this is
+// meant.
 std::u16string NewPatternImageName() {
   char16_t folder[kHostPathUnits] = {};
   LoadBaseDir(folder);
   folder[kHostPathUnits - 1] = 0;
   const std::u16string created = CreateTemporaryFile(folder, u"DEMO");
-  return created.substr(0, created.find(u'.')) + u".png";
+  return created.empty() ? created : created.substr(0, created.find(u'.')) + u".png";
 }
 
 void DownloadPatternImage(std::u16string_view url, const std::u16string& name) {
