@@ -16,17 +16,6 @@ using Clock = std::chrono::steady_clock;
 
 double SecondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
-LoopbackServer::Response Reply(std::string_view status, std::string_view fields, std::string_view body) {
-  LoopbackServer::Response response;
-  response.bytes = "HTTP/1.1 " + std::string(status) + "\r\nConnection: close\r\n" + std::string(fields) + "\r\n";
-  response.bytes += body;
-  return response;
-}
-
-LoopbackServer::Response ReplyWithLength(std::string_view status, std::string_view body) {
-  return Reply(status, "Content-Length: " + std::to_string(body.size()) + "\r\n", body);
-}
-
 LoopbackServer::Response Redirect(std::string_view location) {
   return Reply("302 Found", "Location: " + std::string(location) + "\r\nContent-Length: 4\r\n", "away");
 }

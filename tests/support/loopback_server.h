@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -121,3 +122,16 @@ class LoopbackServer {
   std::vector<std::string> targets_;
   std::thread thread_;
 };
+
+// A whole response: the status with its reason, further lines of the head each with its end, and the body. The
+// connection is closed behind it.
+inline LoopbackServer::Response Reply(std::string_view status, std::string_view fields, std::string_view body) {
+  LoopbackServer::Response response;
+  response.bytes = "HTTP/1.1 " + std::string(status) + "\r\nConnection: close\r\n" + std::string(fields) + "\r\n";
+  response.bytes += body;
+  return response;
+}
+
+inline LoopbackServer::Response ReplyWithLength(std::string_view status, std::string_view body) {
+  return Reply(status, "Content-Length: " + std::to_string(body.size()) + "\r\n", body);
+}
