@@ -236,15 +236,14 @@ void RunWriter::Height() {
   SetTextHeight(run.text.FontSize);
 }
 
-// The name ends at ";" or "|". Behind it the walk moves on one unit and drops all up to the next ";", so that the text
-// between
-// "\Fname;" and the next ";" is lost: it is meant.
+// The name ends at ";" or "|"; an empty one is taken too, but selects nothing. Behind it the walk moves on one unit and
+// drops all up to the next ";", so that the text between "\Fname;" and the next ";" is lost: it is meant.
 void RunWriter::Font() {
   const std::size_t begin = i_;
   while (At(i_) != 0 && At(i_) != u';' && At(i_) != u'|') ++i_;
   const std::u16string_view name = text_.substr(begin, i_ - begin);
+  run.text.SetFontName(name);
   if (!name.empty()) {
-    run.text.SetFontName(name);
     out_.Flush();
     SelectFont();
   }
