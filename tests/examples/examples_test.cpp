@@ -147,7 +147,8 @@ TEST_P(Example, DumpsTheExpectedStream) {
   const ToolResult result = Run("svgimport", {"dump", drawing + ".svg"});
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(FirstDifference(LinesOf(host_tests::ReadText(drawing + ".jsonl")), result.Lines()), "");
+  const std::string difference = FirstDifference(LinesOf(host_tests::ReadText(drawing + ".jsonl")), result.Lines());
+  EXPECT_TRUE(difference.empty()) << difference;
 }
 
 INSTANTIATE_TEST_SUITE_P(Drawings, Example, testing::ValuesIn(ExamplesWith(".svg")), TestName);
