@@ -95,12 +95,15 @@ template <class Default>
 class HOST_VISIBLE DynamicLinkBase {
  public:
   // The interface to call: the font manager's, or the default's.
-  HOST_INLINE FontManagerSupport* operator->() const { return iface; }
+  FontManagerSupport* operator->() const { return iface; }
 
   std::uint32_t loaded = 0;  // 1 when the real library is in use
   FontManagerSupport* iface = nullptr;
   FontManagerObject* object = nullptr;  // null for the default
 };
+
+// Instantiated in one place, the one that is exported: copies that other places make are hidden, and would hide it.
+extern template class DynamicLinkBase<FontManagerSupportDefault>;
 
 template <class Interface>
 class DynamicLink;
