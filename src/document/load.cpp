@@ -132,7 +132,11 @@ IXMLDOMNode* LoadDocument() {
   const std::string_view bytes(run.file.FileBuffer.get());
   if (bytes.size() > kMaxDocumentBytes) throw DocumentError(kInvalidArgument, "IXMLDOMDocument");
   std::u16string text;
-  AppendWideFromNarrow(text, bytes);
+  try {
+    AppendWideFromNarrow(text, bytes);
+  } catch (const std::bad_alloc&) {
+    throw DocumentError(kOutOfMemory, "IXMLDOMDocument");
+  }
 
   run.DomDocument = nullptr;
   IXMLDOMDocument* document = run.CreateDocument();
