@@ -40,7 +40,8 @@ void QueueOpeningCommands() {
 
 void RecordDefinitions() {
   for (std::int32_t i = 0; i < run.NodeCount; ++i) {
-    run.CurrentNode = run.NodeList.At(run.NodeCursor++);
+    run.CurrentNode = run.NodeList.At(run.NodeCursor);
+    ++run.NodeCursor;
     if (GetNodeName(run.CurrentNode) == u"defs") RunDefinitionsPrePass(run.CurrentNode);
   }
   run.NodeCursor = 0;
@@ -52,7 +53,8 @@ void TranslateRemainingNodes() {
     run.CursorPrimed = 1;
   }
   while (run.NodeCursor < run.NodeCount) {
-    run.CurrentNode = run.NodeList.At(run.NodeCursor++);
+    run.CurrentNode = run.NodeList.At(run.NodeCursor);
+    ++run.NodeCursor;
     TranslateTopLevelElement(run.CurrentNode);
   }
 }
