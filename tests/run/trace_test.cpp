@@ -1,0 +1,431 @@
+#include "run/trace.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "host/colour.h"
+#include "host/polygon.h"
+#include "host/transparency.h"
+#include "run/command_queue.h"
+#include "tests/support/filter_test.h"
+
+namespace {
+
+ImportCommand Value(std::uint32_t key, std::uint32_t value) {
+  ImportCommand record = {};
+  record.key = key;
+  record.value = static_cast<std::int32_t>(value);
+  return record;
+}
+
+ImportCommand Payload(std::uint32_t key, void* payload) {
+  ImportCommand record = {};
+  record.key = key;
+  record.data = payload;
+  return record;
+}
+
+// The trace goes into a file in memory.
+class Trace : public FilterTest {
+ protected:
+  Trace() : file_(memfd_create("trace", 0)) { run.trace.TraceHandle = file_; }
+  ~Trace() override { close(file_); }
+
+  // What was written since the last look.
+  std::string Written() {
+    std::string text;
+    char block[256];
+    lseek(file_, read_, SEEK_SET);
+    for (ssize_t came; (came = read(file_, block, sizeof block)) > 0;)
+      text.append(block, static_cast<std::size_t>(came));
+    read_ += static_cast<off_t>(text.size());
+    return text;
+  }
+  std::string LinesOf(const ImportCommand& record) {
+    TraceCommand(record);
+    return Written();
+  }
+  std::string NumberOf(double value) {
+    TraceNumber(value);
+    return Written();
+  }
+
+  int file_;
+
+ private:
+  off_t read_ = 0;
+};
+
+}  // namespace
+
+// --- The lines of each command
+
+TEST_F(Trace, LinesOfTheCommandsThatShowNothingOfTheirOwn) {
+  struct Row {
+    std::uint32_t key;
+    const char* text;
+  };
+  const Row rows[] = {
+      {KEY_CNST, "KEY_CNST\r\n"},
+      {KEY_ELLI, "KEY_ELLI\r\n"},
+      {KEY_ENDF, "KEY_ENDF\r\n"},
+      {KEY_GNRC, "KEY_GNRC\r\n"},
+      {KEY_LIOT, "KEY_LIOT overprint stroke R command \r\n"},
+      {KEY_LNST, "KEY_LNST\r\n"},
+      {KEY_LYOT, "KEY_LYOT  AI overprint fill O cammand \r\n"},
+      {KEY_MLIM, "KEY_MLIM\r\n"},
+      {KEY_PARA, "KEY_PARA\r\n"},
+      {KEY_QXON, "KEY_QXON\r\n"},
+      {KEY_SPFL, "KEY_SPFL\r\n"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(LinesOf(Value(row.key, 5)), row.text);
+}
+
+TEST_F(Trace, WindingRuleAndPatternsPrintNothing) {
+  FillDefinition fill = {};
+  EXPECT_EQ(LinesOf(Value(KEY_WRUL, 1)), "");
+  EXPECT_EQ(LinesOf(Payload(KEY_PFDF, &fill)), "");
+  EXPECT_EQ(LinesOf(Payload(KEY_PFOL, &fill)), "");
+  EXPECT_EQ(LinesOf(Value(9999, 0)), "");
+}
+
+TEST_F(Trace, LinesOfTheCommandsThatShowTheirValue) {
+  struct Row {
+    std::uint32_t key, value;
+    const char* text;
+  };
+  const Row rows[] = {
+      {KEY_CLIP, 0, "KEY_CLIP\r\n    Clip Path = 0\r\n"},
+      {KEY_CLIP, 1, "KEY_CLIP\r\n    Clip Path = 1\r\n"},
+      {KEY_CLIP, 7, "KEY_CLIP\r\n    Clip Path = 1\r\n"},
+      {KEY_DOCP, 0, "KEY_DOCP\r\n    Clip Allow = 0\r\n"},
+      {KEY_DOCP, 1, "KEY_DOCP\r\n    Clip Allow = 1\r\n"},
+      {KEY_DOCP, 7, "KEY_DOCP\r\n    Clip Allow = 1\r\n"},
+      {KEY_FILL, 0, "KEY_FILL\r\nFILL is solid\r\n"},
+      {KEY_FILL, 0xFFFFFFFE, "KEY_FILL\r\nFILL is solid\r\n"},
+      {KEY_FILL, 0xFFFFFFFF, "KEY_FILL\r\nFILL is INVISABLE\r\n"},
+      {KEY_OUTL, 0, "KEY_OUTL\r\n"},
+      {KEY_OUTL, 0xFFFFFFFE, "KEY_OUTL\r\n"},
+      {KEY_OUTL, 0xFFFFFFFF, "KEY_OUTL\r\nOUTLINE is INVISABLE\r\n"},
+      {KEY_PAGN, 12, "KEY_PAGN===12\r\n"},
+      {KEY_THST, 0, "KEY_THST thickness ERROR\r\n"},
+      {KEY_THST, 1, "KEY_THST thickness NONE\r\n"},
+      {KEY_THST, 2, "KEY_THST thickness HAIR\r\n"},
+      {KEY_THST, 3, "KEY_THST thickness THICK\r\n"},
+      {KEY_THST, 4, "KEY_THST thickness ERROR\r\n"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(LinesOf(Value(row.key, row.value)), row.text);
+}
+
+TEST_F(Trace, LinesOfTheCommandsThatShowADepth) {
+  run.graphics.saveDepth = 3;
+  run.clip.groupDepth = 4;
+  run.path.compoundDepth = 5;
+  EXPECT_EQ(LinesOf(Value(KEY_SCGR, 1)), "KEY_SCGR-----------count=3\r\n");
+  EXPECT_EQ(LinesOf(Value(KEY_ECGR, 1)), "KEY_ECGR-----------count=3\r\n");
+  EXPECT_EQ(LinesOf(Value(KEY_SGRP, 1)), "KEY_SGRP  -----------count=4\r\n");
+  EXPECT_EQ(LinesOf(Value(KEY_EGRP, 1)), "KEY_EGRP  -----------count=4\r\n");
+  EXPECT_EQ(LinesOf(Value(KEY_PATH, 0)), "KEY_PATH     PathCount=5\r\n");
+  EXPECT_EQ(LinesOf(Value(KEY_ENDP, 0)), "KEY_ENDP     PathCount=5\r\n");
+  run.graphics.saveDepth = 0;
+}
+
+TEST_F(Trace, LinesOfTheSegments) {
+  LineRecord line = {};
+  line.x0 = 1.0;
+  line.y0 = -2.5;
+  line.x1 = 0.125;
+  line.y1 = 2000000.0;
+  EXPECT_EQ(LinesOf(Payload(KEY_LINE, &line)), "KEY_LINE 1.000000 -2.500000 0.125000 1.000000\r\n");
+  BezierRecord bezier = {};
+  bezier.x0 = 1.0;
+  bezier.y0 = 2.0;
+  bezier.x1 = 3.0;
+  bezier.y1 = 4.0;
+  bezier.x2 = 5.0;
+  bezier.y2 = 6.0;
+  bezier.x3 = 7.0;
+  bezier.y3 = 8.0;
+  EXPECT_EQ(LinesOf(Payload(KEY_BEZI, &bezier)),
+            "KEY_BEZI\r\n1.000000 2.000000 3.000000 4.000000 5.000000 6.000000 7.000000 8.000000\r\n");
+}
+
+TEST_F(Trace, LinesOfAPolygonCountItsSides) {
+  POLYGON polygon;
+  EXPECT_EQ(LinesOf(Payload(KEY_PLYR, &polygon)), "KEY_PLYR\r\n0 Sides\r\n");
+  for (int i = 0; i < 3; ++i) polygon.add_side();
+  EXPECT_EQ(LinesOf(Payload(KEY_PLYR, &polygon)), "KEY_PLYR\r\n3 Sides\r\n");
+}
+
+TEST_F(Trace, LineOfAWidth) {
+  double width = 0.5;
+  EXPECT_EQ(LinesOf(Payload(KEY_WIDT, &width)), "KEY_WIDT   is   0.500000\r\n");
+}
+
+TEST_F(Trace, LineOfAFillDefinitionTellsFlatFromAllOthers) {
+  FillDefinition fill = {};
+  for (std::uint32_t type : {0u, 5u, 10u, 15u}) {
+    fill.fillType = type;
+    EXPECT_EQ(LinesOf(Payload(KEY_FDEF, &fill)), "KEY_FDEF  FT_FULL  GRADIENT \r\n");
+  }
+  fill.fillType = 1;
+  EXPECT_EQ(LinesOf(Payload(KEY_FDEF, &fill)), "KEY_FDEF  FT_LAYER_COLOR \r\n");
+}
+
+TEST_F(Trace, LineOfATransparencyEndsInALetter) {
+  const std::unique_ptr<CQXTransparency> uniform(CQXTransparency::CreateTransparency(kUniformTransparency));
+  static_cast<CQXUniformTransparency&>(*uniform).opacity = 127;
+  EXPECT_EQ(LinesOf(Payload(KEY_TSPY, uniform.get())), "KEY_TSPY  127c\r\n");
+  const std::unique_ptr<CQXTransparency> linear(CQXTransparency::CreateTransparency(kLinearTransparency));
+  EXPECT_EQ(LinesOf(Payload(KEY_TSPY, linear.get())), "KEY_TSPY  0c\r\n");
+  const std::unique_ptr<CQXTransparency> radial(CQXTransparency::CreateTransparency(kRadialTransparency));
+  EXPECT_EQ(LinesOf(Payload(KEY_TSPY, radial.get())), "KEY_TSPY  0c\r\n");
+}
+
+TEST_F(Trace, LinesOfAColourThatIsAbsent) {
+  EXPECT_EQ(LinesOf(Payload(KEY_NFIL, nullptr)), "KEY_NFIL\r\n");
+  EXPECT_EQ(LinesOf(Payload(KEY_NOTL, nullptr)), "KEY_NOTL\r\n");
+}
+
+TEST_F(Trace, LinesOfColours) {
+  // Red: no cyan, all magenta and yellow.
+  CQXFullColor process(0x0000FF, kRgbSpace, kNoCorrection, kMatt);
+  process.SetColor(255.0, 0.0, 0.0, kRgbSpace);
+  CQXFullColor invisible(0xFFFFFFFF, kRgbSpace, kNoCorrection, kMatt);
+  CQXFullColor spot(1, kCmykSpace, kNamedColourCorrection, kMatt);
+  spot.SetColor(0.125, 0.25, 0.5, 1.0, kCmykSpace);
+  CQXFullColor foil(spot);
+  foil.SetCartridge(1);
+  const std::string colours[][2] = {
+      {"KEY_NFIL\r\n", "KEY_NOTL\r\n"},
+      {"     Process\r\n0.000000 1.000000 1.000000 0.000000\r\n",
+       "     Invisable\r\n0.000000 0.000000 0.000000 0.000000\r\n"},
+      {"     Process\r\n0.125000 0.250000 0.500000 1.000000\r\n",
+       "     Spot\r\n0.125000 0.250000 0.500000 1.000000\r\n"},
+  };
+  const std::uint32_t keys[] = {KEY_NFIL, KEY_NOTL};
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(LinesOf(Payload(keys[i], &process)), colours[0][i] + colours[1][0]);
+    EXPECT_EQ(LinesOf(Payload(keys[i], &invisible)), colours[0][i] + colours[1][1]);
+    EXPECT_EQ(LinesOf(Payload(keys[i], &spot)), colours[0][i] + colours[2][0]);
+    EXPECT_EQ(LinesOf(Payload(keys[i], &foil)), colours[0][i] + colours[2][1]);
+  }
+}
+
+// --- Numbers
+
+TEST_F(Trace, NumbersHaveSixDecimals) {
+  EXPECT_EQ(NumberOf(0.0), "0.000000");
+  EXPECT_EQ(NumberOf(-0.0), "-0.000000");
+  EXPECT_EQ(NumberOf(1.0 / 3.0), "0.333333");
+  EXPECT_EQ(NumberOf(-2.0 / 3.0), "-0.666667");
+  EXPECT_EQ(NumberOf(1.9999996), "2.000000");
+  EXPECT_EQ(NumberOf(123456.75), "123456.750000");
+  EXPECT_EQ(NumberOf(1e-300), "0.000000");
+}
+
+TEST_F(Trace, NumbersAboveAMillionAreWrittenAsOne) {
+  EXPECT_EQ(NumberOf(1000000.0), "1000000.000000");
+  EXPECT_EQ(NumberOf(1000000.125), "1.000000");
+  EXPECT_EQ(NumberOf(2000000.0), "1.000000");
+  EXPECT_EQ(NumberOf(std::numeric_limits<double>::infinity()), "1.000000");
+  EXPECT_EQ(NumberOf(-2000000.0), "-2000000.000000");
+  // The smallest double: its 309 digits are all there.
+  EXPECT_EQ(NumberOf(std::numeric_limits<double>::lowest()).size(), 1u + 309u + 7u);
+}
+
+// --- The latch
+
+TEST_F(Trace, AFailedWriteSilencesAllThatFollow) {
+  run.trace.TraceHandle = -1;
+  TraceText("lost");
+  EXPECT_EQ(run.trace.TraceFailed, 1u);
+  run.trace.TraceHandle = file_;
+  EXPECT_EQ(LinesOf(Value(KEY_ENDF, 0)), "");
+  EXPECT_EQ(NumberOf(1.0), "");
+}
+
+TEST_F(Trace, AWriteThatFallsShortSilencesAllThatFollow) {
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit = {};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlim_t usual = std::exchange(limit.rlim_cur, 4);
+  setrlimit(RLIMIT_FSIZE, &limit);
+  TraceText("abcdef");
+  limit.rlim_cur = usual;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, handler);
+  TraceText("ghi");
+  EXPECT_EQ(Written(), "abcd");
+  EXPECT_EQ(run.trace.TraceFailed, 1u);
+}
+
+// --- The three logs
+
+namespace {
+
+// The logs have a fixed place that every process of the machine shares: one test at a time, and what was there before
+// comes back.
+class DebugLogs : public FilterTest {
+ protected:
+  DebugLogs() : lock_(open("/tmp/svgimport-debug-logs.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+    flock(lock_, LOCK_EX);
+    kept_ = std::filesystem::exists(kFolder);
+    if (kept_) std::filesystem::rename(kFolder, kAside);
+    SetHostSetting(u"ZENTAL", u"debug", 1);
+  }
+  ~DebugLogs() override {
+    std::filesystem::remove_all(kFolder);
+    if (kept_) std::filesystem::rename(kAside, kFolder);
+    close(lock_);
+  }
+
+  static void MakeFolder() { std::filesystem::create_directory(kFolder); }
+  static void Write(const std::string& name, std::string_view text) {
+    std::ofstream(kFolder + ("/" + name), std::ios::binary) << text;
+  }
+  static std::string Read(const std::string& name) {
+    std::ifstream file(kFolder + ("/" + name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  static std::size_t FilesInFolder() {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(kFolder), {}));
+  }
+
+  static inline const std::string kFolder = "/tmp/svgimport";
+  static inline const std::string kAside = "/tmp/svgimport-aside";
+
+ private:
+  int lock_;
+  bool kept_;
+};
+
+const std::string kOpeningLines = "KEY_FILL\r\nFILL is solid\r\nKEY_FILL\r\nFILL is solid\r\nKEY_CNST\r\nKEY_MLIM\r\n";
+const std::string kClosingLines = " Starting close file\r\n Collapse clip group\r\nEnding Close file\r\n";
+
+}  // namespace
+
+TEST_F(DebugLogs, HoldEveryRecordThatWasReturnedAndTheThreeLinesOfTheEnd) {
+  MakeFolder();
+  ImportBody("<g/>");
+  GetImportCommand();
+  CloseFile();
+  // The depths are those of the end of the translation.
+  EXPECT_EQ(Read("discio.txt"), kOpeningLines +
+                                    "KEY_SGRP  -----------count=0\r\nKEY_EGRP  -----------count=0\r\nKEY_ENDF\r\n"
+                                    "KEY_ENDF\r\n" +
+                                    kClosingLines);
+  EXPECT_EQ(Read("test.txt"), "");
+  EXPECT_EQ(Read("parse.txt"), "");
+  EXPECT_EQ(FilesInFolder(), 3u);
+}
+
+TEST_F(DebugLogs, LeaveOutANullRecordThatIsReturned) {
+  MakeFolder();
+  ASSERT_EQ(Check(Document("<defs/>")), 1);
+  Drain();
+  PushCommand(KEY_NULL);
+  PushCommand(KEY_NULL);
+  EXPECT_EQ(GetImportCommand().key, KEY_NULL);
+  EXPECT_EQ(Read("discio.txt"), "");
+}
+
+TEST_F(DebugLogs, AreEmptiedByTheNextRun) {
+  MakeFolder();
+  for (const char* name : {"test.txt", "parse.txt", "discio.txt"}) Write(name, std::string(10000, 'x'));
+  ImportBody("<defs/>");
+  EXPECT_EQ(Read("test.txt"), "");
+  EXPECT_EQ(Read("parse.txt"), "");
+  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+}
+
+TEST_F(DebugLogs, AreOpenBetweenCheckFileAndCloseFile) {
+  MakeFolder();
+  ASSERT_EQ(Check(Document("<g/>")), 1);
+  const TraceLog open = run.trace;
+  EXPECT_EQ(open.TraceHandle, open.DiscioLog);
+  for (int handle : {open.TestLog, open.ParseLog, open.DiscioLog}) {
+    EXPECT_EQ(fcntl(handle, F_GETFL) & (O_ACCMODE | O_APPEND), O_RDWR);
+  }
+  CloseFile();
+  for (int handle : {open.TestLog, open.ParseLog, open.DiscioLog}) EXPECT_EQ(fcntl(handle, F_GETFD), -1);
+}
+
+TEST_F(DebugLogs, MakeNoFolderAndCostNothingWithoutOne) {
+  const std::string drawing = "<g><path style='stroke:red' d='M0,0 L1,1'/></g>";
+  const Lines traced = ImportBody(drawing);
+  EXPECT_EQ(run.trace.DiscioLog, -1);
+  EXPECT_EQ(run.trace.TraceFailed, 1u);
+  CloseFile();
+  EXPECT_FALSE(std::filesystem::exists(kFolder));
+
+  ResetImportRun();
+  MakeFolder();
+  EXPECT_EQ(ImportBody(drawing), traced);
+  CloseFile();
+
+  ResetImportRun();
+  SetHostSetting(u"ZENTAL", u"debug", 0);
+  EXPECT_EQ(ImportBody(drawing), traced);
+}
+
+TEST_F(DebugLogs, AreNotTouchedUnlessDebugIsOne) {
+  MakeFolder();
+  Write("discio.txt", "old");
+  for (int debug : {0, 2, -1}) {
+    SCOPED_TRACE(debug);
+    ResetImportRun();
+    SetHostSetting(u"ZENTAL", u"debug", debug);
+    ImportBody("<g/>");
+    CloseFile();
+    EXPECT_EQ(Read("discio.txt"), "old");
+    EXPECT_EQ(FilesInFolder(), 1u);
+  }
+}
+
+TEST_F(DebugLogs, StartWithTheLatchOff) {
+  MakeFolder();
+  run.trace.TraceFailed = 1;
+  ImportBody("<defs/>");
+  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+}
+
+TEST_F(DebugLogs, LoseTheLinesOfTheEndWhenTheTraceHasFailed) {
+  MakeFolder();
+  ImportBody("<defs/>");
+  run.trace.TraceFailed = 1;
+  const int log = run.trace.DiscioLog;
+  CloseFile();
+  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+  EXPECT_EQ(fcntl(log, F_GETFD), -1);
+}
+
+TEST_F(DebugLogs, AreNotOpenedThroughALink) {
+  MakeFolder();
+  const std::string target = folder + "target.txt";
+  std::ofstream(target) << "precious";
+  std::filesystem::create_symlink(target, kFolder + "/discio.txt");
+  ImportBody("<defs/>");
+  CloseFile();
+  std::ifstream file(target);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "precious");
+}
+
+TEST_F(DebugLogs, AreNotOpenedWhenTheDocumentIsRefused) {
+  MakeFolder();
+  EXPECT_EQ(Check("<svg>"), 0);
+  CloseFile();
+  EXPECT_EQ(FilesInFolder(), 0u);
+}
