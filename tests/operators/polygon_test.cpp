@@ -294,14 +294,19 @@ TEST_F(ArcOperator, ConvertsDegreesByTheShortConstant) {
 }
 
 TEST_F(ArcOperator, RadiiThatDoNotReachGrowByOneFactor) {
-  // Half the distance is 10: rx 5 and ry 2.5 become 10 and 5.
-  ASSERT_EQ(Run("0 0 M 5 2.5 0 0 1 20 0 A").size(), 3u);
-  const auto sides = SidesAt(1);
-  ASSERT_EQ(sides.size(), 20u);
-  for (std::size_t i = 0; i < 19; ++i) {
-    SCOPED_TRACE(i);
-    const double angle = M_PI + 0.174 * static_cast<double>(i);
-    ExpectSide(sides[i], 10 + 10 * std::cos(angle), 5 * std::sin(angle), kSideCurve, 1e-6);
+  // Half the distance is 10: both pairs become 10 and 5.
+  for (const char* program : {"0 0 M 5 2.5 0 0 1 20 0 A", "0 0 M 9.99 4.995 0 0 1 20 0 A"}) {
+    SCOPED_TRACE(program);
+    const Lines lines = Run(program);
+    const std::size_t line = FindLine(lines, "PLYR");
+    ASSERT_LT(line, lines.size());
+    const auto sides = SidesAt(line);
+    ASSERT_EQ(sides.size(), 20u);
+    for (std::size_t i = 0; i < 19; ++i) {
+      SCOPED_TRACE(i);
+      const double angle = M_PI + 0.174 * static_cast<double>(i);
+      ExpectSide(sides[i], 10 + 10 * std::cos(angle), 5 * std::sin(angle), kSideCurve, 1e-6);
+    }
   }
 }
 
@@ -354,8 +359,8 @@ TEST_F(ArcOperator, BeginsAtTheDevicePen) {
 }
 
 TEST_F(ArcOperator, IsSampledInUserSpaceUnderTheMatrix) {
-  CurrentFrame().currentMatrix = {2, 1, 0, 4, 10, 20};
-  // From (3, 4) to (23, 4) about (13, 4); the device point of (x, y) is (2 x + 10, x + 4 y + 20).
+  CurrentFrame().currentMatrix = {2, 1, 3, 4, 10, 20};
+  // From (3, 4) to (23, 4) about (13, 4); the device point of (x, y) is (2 x + 3 y + 10, x + 4 y + 20).
   ASSERT_EQ(Run("3 4 M 10 10 0 0 1 20 0 a").size(), 3u);
   const auto sides = SidesAt(1);
   ASSERT_EQ(sides.size(), 20u);
@@ -363,9 +368,9 @@ TEST_F(ArcOperator, IsSampledInUserSpaceUnderTheMatrix) {
     SCOPED_TRACE(i);
     const double x = 13 + 10 * std::cos(M_PI + 0.174 * static_cast<double>(i));
     const double y = 4 + 10 * std::sin(M_PI + 0.174 * static_cast<double>(i));
-    ExpectSide(sides[i], 2 * x + 10, x + 4 * y + 20, kSideCurve, 1e-5);
+    ExpectSide(sides[i], 2 * x + 3 * y + 10, x + 4 * y + 20, kSideCurve, 1e-5);
   }
-  ExpectPoint(run.path.deviceCurrent, 56, 59, 1e-5);
+  ExpectPoint(run.path.deviceCurrent, 68, 59, 1e-5);
   EXPECT_EQ(run.path.userCurrent, (Point{3, 4}));
 }
 

@@ -417,7 +417,7 @@ TEST_F(NamedStopLists, ColoursHaveRedInTheLowByte) {
 class NamedSpotFills : public NamedGradients {
  protected:
   NamedSpotFills() {
-    Add(u"s", kLinear, {{10, 20, 30, 0x128, 50, u"Rot"}, {0, 0, 0, 0, 60, u"Blau"}, {0, 0, 0, 0, 70, u""}},
+    Add(u"s", kLinear, {{0x10A, 0x114, 0x11E, 0x128, 50, u"Rot"}, {0, 0, 0, 0, 60, u"Blau"}, {0, 0, 0, 0, 70, u""}},
         {10, 20, 30})
         .spotFill = 1;
   }
@@ -439,7 +439,7 @@ class NamedSpotFills : public NamedGradients {
 TEST_F(NamedSpotFills, GoOutBehindTheirColour) {
   EXPECT_EQ(Use("s"), (Lines{"FILL 0", "NFIL empty name Rot correction 5", "SPFL"}));
   EXPECT_EQ(run.paint.GradientFillPending, 1);
-  // Four ink bytes, cyan the lowest.
+  // The low bytes of the four inks, cyan the lowest.
   const ColourView colour = ViewColour(PayloadOf<CQXFullColor>(1));
   EXPECT_EQ(colour.id, 0x281E140Au);
   EXPECT_EQ(colour.space, kCmykSpace);

@@ -1,8 +1,8 @@
 #include "translators/transform.h"
 
 #include <cmath>
+#include <vector>
 
-#include "platform/narrow_text.h"
 #include "tests/support/filter_test.h"
 
 namespace {
@@ -23,7 +23,9 @@ class Transform : public FilterTest {
   // The matrix that the text makes of the identity.
   static TM Parse(std::string_view text, MatrixTarget target = MatrixTarget::Current) {
     CurrentFrame().currentMatrix = CurrentFrame().gradientMatrix = kIdentity;
-    ParseTransform(WideFromNarrow(text), target);
+    // Nothing stands behind the text, so that a read past its end is seen.
+    const std::vector<char16_t> units(text.begin(), text.end());
+    ParseTransform({units.data(), units.size()}, target);
     return target == MatrixTarget::Current ? CurrentFrame().currentMatrix : CurrentFrame().gradientMatrix;
   }
 
