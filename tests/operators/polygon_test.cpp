@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "host/polygon.h"
 #include "tests/support/filter_test.h"
@@ -235,7 +236,7 @@ TEST_F(ArcOperator, HalfACircleGoesFromThePenToItsEnd) {
   EXPECT_EQ(sides[0].y + 0, 100.0);
   for (std::size_t i = 0; i < 19; ++i) {
     SCOPED_TRACE(i);
-    const double angle = M_PI + 0.174 * static_cast<double>(i);
+    const double angle = std::numbers::pi + 0.174 * static_cast<double>(i);
     ExpectSide(sides[i], 10 + 10 * std::cos(angle), 10 * std::sin(angle), kSideCurve, 1e-6);
   }
   ExpectSide(sides[19], 20, 0, kSideCurve | kSideCloses, 1e-6);
@@ -250,15 +251,15 @@ TEST_F(ArcOperator, FlagsChooseOneOfFourWays) {
     std::size_t sides;
     double centreX, centreY, start, step;
   } cases[] = {
-      {"0 0 M 10 10 0 0 0 10 10 A", 11, 10, 0, M_PI, -0.174},
-      {"0 0 M 10 10 0 0 1 10 10 A", 11, 0, 10, M_PI * 1.5, 0.174},
-      {"0 0 M 10 10 0 1 0 10 10 A", 29, 0, 10, M_PI * 1.5, -0.174},
-      {"0 0 M 10 10 0 1 1 10 10 A", 29, 10, 0, M_PI, 0.174},
+      {"0 0 M 10 10 0 0 0 10 10 A", 11, 10, 0, std::numbers::pi, -0.174},
+      {"0 0 M 10 10 0 0 1 10 10 A", 11, 0, 10, std::numbers::pi * 1.5, 0.174},
+      {"0 0 M 10 10 0 1 0 10 10 A", 29, 0, 10, std::numbers::pi * 1.5, -0.174},
+      {"0 0 M 10 10 0 1 1 10 10 A", 29, 10, 0, std::numbers::pi, 0.174},
       // A flag is cut to an integer and then anything but 0.
-      {"0 0 M 10 10 0 0.9 -0.9 10 10 A", 11, 10, 0, M_PI, -0.174},
-      {"0 0 M 10 10 0 -1 7 10 10 A", 29, 10, 0, M_PI, 0.174},
+      {"0 0 M 10 10 0 0.9 -0.9 10 10 A", 11, 10, 0, std::numbers::pi, -0.174},
+      {"0 0 M 10 10 0 -1 7 10 10 A", 29, 10, 0, std::numbers::pi, 0.174},
       // Only the size of the radii counts.
-      {"0 0 M -10 -10 0 0 1 10 10 A", 11, 0, 10, M_PI * 1.5, 0.174},
+      {"0 0 M -10 -10 0 0 1 10 10 A", 11, 0, 10, std::numbers::pi * 1.5, 0.174},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.program);
@@ -304,7 +305,7 @@ TEST_F(ArcOperator, RadiiThatDoNotReachGrowByOneFactor) {
     ASSERT_EQ(sides.size(), 20u);
     for (std::size_t i = 0; i < 19; ++i) {
       SCOPED_TRACE(i);
-      const double angle = M_PI + 0.174 * static_cast<double>(i);
+      const double angle = std::numbers::pi + 0.174 * static_cast<double>(i);
       ExpectSide(sides[i], 10 + 10 * std::cos(angle), 5 * std::sin(angle), kSideCurve, 1e-6);
     }
   }
@@ -366,8 +367,8 @@ TEST_F(ArcOperator, IsSampledInUserSpaceUnderTheMatrix) {
   ASSERT_EQ(sides.size(), 20u);
   for (std::size_t i = 0; i < 19; ++i) {
     SCOPED_TRACE(i);
-    const double x = 13 + 10 * std::cos(M_PI + 0.174 * static_cast<double>(i));
-    const double y = 4 + 10 * std::sin(M_PI + 0.174 * static_cast<double>(i));
+    const double x = 13 + 10 * std::cos(std::numbers::pi + 0.174 * static_cast<double>(i));
+    const double y = 4 + 10 * std::sin(std::numbers::pi + 0.174 * static_cast<double>(i));
     ExpectSide(sides[i], 2 * x + 3 * y + 10, x + 4 * y + 20, kSideCurve, 1e-5);
   }
   ExpectPoint(run.path.deviceCurrent, 68, 59, 1e-5);
