@@ -13,14 +13,10 @@
 #include <optional>
 #include <string_view>
 
+#include "filter_limits.h"
 #include "headless_host/text.h"
 
 namespace {
-
-// What the filter takes at most, so that these causes can be told from bad syntax.
-constexpr int kMaxElementDepth = 256;
-constexpr int kMaxAttributes = 10'000;
-constexpr off_t kMaxDocumentBytes = 0x7FFFFFFF;
 
 std::string Errno() { return std::strerror(errno); }
 
@@ -39,7 +35,7 @@ std::optional<std::string> ReadFile(const std::string& file, std::string& reason
     reason = "it is a directory";
   } else if (!S_ISREG(status.st_mode)) {
     reason = "it is not a regular file";
-  } else if (status.st_size > kMaxDocumentBytes) {
+  } else if (static_cast<std::uint64_t>(status.st_size) > kMaxDocumentBytes) {
     reason = "the file is longer than 2 GiB";
   } else {
     bytes.emplace(static_cast<std::size_t>(status.st_size), '\0');
