@@ -81,6 +81,47 @@ TEST_F(Frames, FirstFrameBeginsWithTheseValues) {
 
 TEST_F(Frames, ColourNameHoldsFiftyUnitsAndItsEnd) { EXPECT_EQ(sizeof(PaintColour::name), 51 * sizeof(char16_t)); }
 
+// --- The start of an import: the current frame is made ready, and only the join goes to the first one. Frames,
+// operands and pen stay as they are; they come back to nothing by balance.
+
+TEST_F(Frames, StartOfAnImportMakesTheCurrentFrameReady) {
+  CurrentFrame().lineJoin = 5;
+  CurrentFrame().fill.colour = 7;
+  PushGraphicsState();
+  GraphicsState& frame = CurrentFrame();
+  frame.currentMatrix = {1, 2, 3, 4, 5, 6};
+  frame.gradientMatrix = {7, 8, 9, 10, 11, 12};
+  frame.opacity = 99.0;
+  frame.lineJoin = 6;
+  StartMachine();
+  EXPECT_EQ(run.graphics.frameIndex, 1);
+  EXPECT_EQ(run.graphics.saveDepth, 1);
+  EXPECT_TRUE(Same(frame.currentMatrix, kIdentity));
+  EXPECT_TRUE(Same(frame.gradientMatrix, kIdentity));
+  EXPECT_TRUE(Same(run.graphics.defaultMatrix, kIdentity));
+  EXPECT_EQ(frame.opacity, 1.0);
+  EXPECT_EQ(frame.lineJoin, 6);
+  EXPECT_EQ(frame.fill.colour, 0);
+  EXPECT_EQ(run.graphics.Frame(0).lineJoin, 1);
+  EXPECT_EQ(run.graphics.Frame(0).fill.colour, 7);
+}
+
+TEST_F(Frames, StartOfAnImportLeavesOperandsAndPen) {
+  Feed("10 20 M 30 40 L *u u 1 2");
+  Drain();
+  run.path.lastControl = {7, 8};
+  run.clip.clipPending = 1;
+  StartMachine();
+  EXPECT_EQ(run.operands.size(), 2u);
+  EXPECT_EQ(run.path.PathOpen, 0u);
+  EXPECT_EQ(run.path.lastControl, (Point{0, 0}));
+  EXPECT_EQ(run.path.userCurrent, (Point{30, 40}));
+  EXPECT_EQ(run.path.deviceStart, (Point{10, 20}));
+  EXPECT_EQ(run.path.compoundDepth, 1);
+  EXPECT_EQ(run.clip.groupDepth, 1);
+  EXPECT_EQ(run.clip.clipPending, 1);
+}
+
 // --- Push
 
 TEST_F(Frames, PushCopiesEveryField) {
