@@ -105,7 +105,7 @@ class JpegReader {
     return true;
   }
 
-  // Turns four inks into red, green, blue and full alpha. Files with the marker of Adobe hold the inks inverted.
+  // Turns four inks into red, green, blue and full alpha. Files with the APP14 marker hold the inks inverted.
   void MixInks(DecodedImage& out) const {
     const bool inverted = info_.saw_Adobe_marker != 0;
     for (std::size_t i = 0; i < out.pixels.size(); i += kBytesPerPixel) {

@@ -66,7 +66,7 @@ TEST_F(HostBitmapTest, DecodesAJpeg) {
 }
 
 TEST_F(HostBitmapTest, DecodesAJpegOfFourInksWithAndWithoutTheMarkerThatInvertsThem) {
-  ASSERT_TRUE(CreateFrom(kAdobeInksJpeg));
+  ASSERT_TRUE(CreateFrom(kMarkedInksJpeg));
   ExpectRed();
   ASSERT_TRUE(CreateFrom(kPlainInksJpeg));
   ExpectRed();
