@@ -1,6 +1,8 @@
 #include "document/definitions.h"
 
+#include <deque>
 #include <string>
+#include <vector>
 
 #include "document/node_access.h"
 #include "tests/support/fake_document.h"
@@ -224,4 +226,56 @@ TEST_F(Definitions, CountsOutliveCloseFile) {
   EXPECT_EQ(run.definitions.PatternDefs.count, 3);
   EXPECT_EQ(run.definitions.ClipDefs.count, 2);
   EXPECT_EQ(run.definitions.GradientDefs.count, 1);
+}
+
+// --- Entering a definition for the time of its translation
+
+namespace {
+
+using DefinitionEntry = Definitions;
+
+// `n` records without a document behind them; only the places of their nodes count.
+std::vector<DefinitionRecord> Records(std::size_t n, std::vector<char>& places) {
+  places.resize(n);
+  std::vector<DefinitionRecord> records(n);
+  for (std::size_t i = 0; i < n; ++i) records[i].node = reinterpret_cast<IXMLDOMNode*>(&places[i]);
+  return records;
+}
+
+}  // namespace
+
+TEST_F(DefinitionEntry, IsRefusedWhileTheSameNodeIsBeingTranslated) {
+  std::vector<char> places;
+  const std::vector<DefinitionRecord> records = Records(2, places);
+  {
+    const EnteredDefinition outer(records[0]);
+    EXPECT_TRUE(outer);
+    const EnteredDefinition inner(records[1]);
+    EXPECT_TRUE(inner);
+    EXPECT_FALSE(EnteredDefinition(records[0]));
+    EXPECT_FALSE(EnteredDefinition(records[1]));
+  }
+  EXPECT_TRUE(EnteredDefinition(records[0]));
+}
+
+TEST_F(DefinitionEntry, IsRefusedBeyondThirtyTwoWithinOneAnother) {
+  std::vector<char> places;
+  const std::vector<DefinitionRecord> records = Records(34, places);
+  std::deque<EnteredDefinition> entered;
+  for (int i = 0; i < 34; ++i) {
+    entered.emplace_back(records[static_cast<std::size_t>(i)]);
+    EXPECT_EQ(static_cast<bool>(entered.back()), i < 32) << i;
+  }
+  while (entered.size() > 31) entered.pop_back();
+  EXPECT_TRUE(EnteredDefinition(records[33]));
+  while (!entered.empty()) entered.pop_back();
+}
+
+TEST_F(DefinitionEntry, IsRefusedBeyondAMillionInOneImport) {
+  std::vector<char> places;
+  const std::vector<DefinitionRecord> records = Records(1, places);
+  run.definitionGuard.entries = 999'999;
+  EXPECT_TRUE(EnteredDefinition(records[0]));
+  EXPECT_EQ(run.definitionGuard.entries, 1'000'000u);
+  EXPECT_FALSE(EnteredDefinition(records[0]));
 }

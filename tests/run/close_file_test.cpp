@@ -86,6 +86,7 @@ TEST_F(CloseFileCall, LeavesCursorCountsScaleAndFlagsBehind) {
   EXPECT_EQ(run.DocHeight, height);
   EXPECT_EQ(run.UnitsForced, 1);
   EXPECT_NE(run.DomDocument, nullptr);
+  EXPECT_NE(run.file.FileBuffer, nullptr);
   EXPECT_EQ(run.RootNode, nullptr);
   EXPECT_TRUE(run.NodeList.empty());
 }

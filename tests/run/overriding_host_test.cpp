@@ -173,3 +173,9 @@ TEST_F(OverridingHost, ATextThatFindsNoMemoryAsWideTextFailsWithItsStatus) {
   EXPECT_TRUE(Has(lines, "failed IXMLDOMDocument: status 0x8007000E"));
   EXPECT_TRUE(Has(lines, "CloseFile 0"));
 }
+
+TEST_F(OverridingHost, AFileThatFindsNoMemoryIsRefusedBeforeAnySettingIsRead) {
+  const Lines lines = Host("<svg><!--" + std::string(200'000, 'x') + "--><g/></svg>", "no-memory");
+  ASSERT_GE(lines.size(), 3u);
+  EXPECT_EQ(From(lines, "loaded")[1], "CheckFile 0");
+}
