@@ -333,6 +333,11 @@ TEST_F(Group, PrefixedChildrenAreKnownByTheirLocalNames) {
                              "FDEF flat 1")));
 }
 
+TEST_F(Group, ASpanOutsideATextIsAText) {
+  EXPECT_EQ(CountOf(Fresh("<g><tspan>b</tspan></g>"), "PARA \"b\""), 1u);
+  EXPECT_EQ(CountOf(Fresh("<g><linearGradient><tspan>b</tspan></linearGradient></g>"), "PARA \"b\""), 1u);
+}
+
 TEST_F(Group, AnInstructionIsKnownByItsTarget) {
   // Its name is all that it has; attributes it has none.
   EXPECT_EQ(Fresh("<g><?rect width='10'?></g>"), Enclosed(Replay() + Records("PLYR 1 : 0,10 0,10 0,10 0,10")));

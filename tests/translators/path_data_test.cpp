@@ -1,5 +1,6 @@
 #include "translators/path_data.h"
 
+#include <cctype>
 #include <cstdlib>
 
 #include "tests/translators/translator_fixture.h"
@@ -206,7 +207,16 @@ TEST_F(PathData, EachLetterWritesItsOperator) {
       {"M1 2 L9 5 L3 8 Z", "1 2 M 9 5 L 3 8 L Z"},
       {"M1 2 L9 5 L3 8 z", "1 2 M 9 5 L 3 8 L Z"},
   };
-  for (const auto& c : cases) ExpectProgram(c.d, c.program);
+  for (const auto& c : cases) {
+    ExpectProgram(c.d, c.program);
+    // A tab in front of a letter changes nothing.
+    std::string tabbed;
+    for (const char* unit = c.d; *unit; ++unit) {
+      if (std::isalpha(static_cast<unsigned char>(*unit))) tabbed += "&#9;";
+      tabbed += *unit;
+    }
+    ExpectProgram(tabbed + "&#9;", c.program);
+  }
 }
 
 TEST_F(PathData, NumbersBehindAMoveAreLines) {

@@ -292,6 +292,12 @@ TEST_F(Shapes, NoPointsStillMoveToTheOrigin) {
   EXPECT_EQ(Fresh("<polygon/><polyline/>"), Records("PATH", "ENDP", "FDEF flat 1", "PATH", "ENDP", "FDEF flat 1"));
 }
 
+TEST_F(Shapes, TheClosingLineOfNoPointsTakesWhatAPatternLeft) {
+  // A pattern without an image leaves x, y, width and height; the line goes from the pen to (width, height).
+  EXPECT_EQ(Fresh("<defs><pattern id='p' x='1' y='2' width='30' height='40'/></defs><polygon fill='url(#p)'/>"),
+            Replay() + Records("LINE 0,10 3,6", "PATH", "ENDP", "FDEF flat 1"));
+}
+
 TEST_F(Shapes, OnePointDrawsNothing) {
   EXPECT_EQ(Polygon("5,5"), Records("PATH", "ENDP", "FDEF flat 1"));
   EXPECT_EQ(Polyline("5,5"), Records("PATH", "ENDP", "FDEF flat 1"));
