@@ -100,7 +100,8 @@ TEST_F(PathEnd, NearCloseDrawsOverAGapOfAtMostATwentieth) {
   for (const Row& row :
        {Row{"0.05 0", true}, Row{"0 0.05", true}, Row{"0.05 0.05", true}, Row{"-0.05 -0.05", true},
         Row{"0.0499999 0", true}, Row{"0.0500001 0", false}, Row{"0 0.0500001", false}, Row{"-0.0500001 0", false},
-        Row{"0 -0.0500001", false}, Row{"0.05 0.0500001", false}, Row{"0.0500001 0.05", false}, Row{"1 0", false}}) {
+        Row{"0 -0.0500001", false}, Row{"0.05 0.0500001", false}, Row{"0.0500001 0.05", false},
+        Row{"0.05000000000000001 0", false}, Row{"0 0.05000000000000001", false}, Row{"1 0", false}}) {
     SCOPED_TRACE(row.pen);
     for (const char* token : {"Z2", "z2"}) {
       Feed("0 0 M " + std::string(row.pen) + " L");
