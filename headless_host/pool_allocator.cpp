@@ -22,6 +22,7 @@ constexpr bool kWatched = HEADLESS_HOST_ADDRESS_SANITIZER != 0;
 // A slab begins at a multiple of its size, so that a block's address gives its slab.
 constexpr std::size_t kSlabBytes = std::size_t{64} << 10;
 constexpr std::size_t kChunkBytes = std::size_t{1} << 20;
+constexpr std::size_t kMostWithSlack = std::size_t{1} << 40;
 
 // Stands at the start of a slab, and in front of a large block, which begins at a multiple of the slab's size as well.
 struct alignas(64) SlabHeader {
@@ -118,7 +119,9 @@ void* PoolAllocator::Resize(void* block, std::size_t size) {
   if (block == nullptr) return Take(size);
   const std::size_t oldSize = SizeOf(block);
   if (size <= oldSize && size > oldSize / 2) return block;
-  void* moved = Take(size);
+  // A large block that grows is likely to grow again, by as little as a record at a time.
+  const bool grows = !kWatched && size > oldSize && size > kLargestPooled && size < kMostWithSlack;
+  void* moved = Take(grows ? size + size / 2 : size);
   if (moved == nullptr) return nullptr;
   std::memcpy(moved, block, oldSize < size ? oldSize : size);
   Give(block);

@@ -46,6 +46,7 @@ const DefinitionRecord* FindByPrefix(const DefinitionTable& table, std::u16strin
 }  // namespace
 
 void AllocateDefinitions(DefinitionTable& table) {
+  FreeDefinitions(table);
   table.records = static_cast<DefinitionRecord*>(
       AllocateHostCleared(static_cast<std::size_t>(table.count) * sizeof(DefinitionRecord)));
 }

@@ -30,7 +30,7 @@ struct DefinitionTables {
   DefinitionTable PatternDefs;
 };
 
-// One blank record more than the table has definitions; all records blank. Throws std::bad_alloc.
+// Replaces the table by as many blank records as its count says. Throws std::bad_alloc.
 void AllocateDefinitions(DefinitionTable& table);
 // Releases the nodes and frees the table. The count stays.
 void FreeDefinitions(DefinitionTable& table);

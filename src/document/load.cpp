@@ -141,7 +141,7 @@ IXMLDOMNode* LoadDocument() {
   run.DomDocument = nullptr;
   IXMLDOMDocument* document = run.CreateDocument();
   if (!document) throw DocumentError(kNullPointer, "IXMLDOMDocument");
-  run.ownedDocument.reset(document);
+  run.documents.emplace_back(document);
   bool validate = false;
   document->get_validateOnParse(&validate);
   document->put_validateOnParse(true);
@@ -167,7 +167,7 @@ IXMLDOMNode* LoadDocument() {
     error->get_errorCode(&code);
     error->Release();
   }
-  run.ownedDocument.reset();
+  run.documents.pop_back();
   return nullptr;
 }
 

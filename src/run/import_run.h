@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "document/definitions.h"
 #include "document/load.h"
@@ -48,7 +49,9 @@ struct ImportRun {
   // The document. Texts read from it stay valid until the library is unloaded.
   FileText file;
   IXMLDOMDocument* (*CreateDocument)() = CreateDomDocument;
-  std::unique_ptr<IXMLDOMDocument, ReleaseDocument> ownedDocument;
+  // Every document that was loaded: they are kept, since views of their texts and references to their nodes may be
+  // anywhere.
+  std::vector<std::unique_ptr<IXMLDOMDocument, ReleaseDocument>> documents;
   IXMLDOMDocument* DomDocument = nullptr;
   IXMLDOMNode* RootNode = nullptr;  // with one reference
   ChildNodeList NodeList;           // the root's children

@@ -158,3 +158,12 @@ TEST_F(CloseFileCall, ASecondCheckFileWorksWhenNothingWasTranslatedInBetween) {
   CloseFile();
   EXPECT_EQ(Check(Document("<g/>")), 1);
 }
+
+TEST_F(CloseFileCall, ASecondCheckFileWithoutOneLeavesTheFirstDocumentReadable) {
+  ASSERT_EQ(Check(Document("<defs><clipPath id=\"c\"/></defs><g/>")), 1);
+  IXMLDOMNode* const first = run.NodeList.At(1);
+  ASSERT_EQ(Check(Document("<path/><rect/>")), 1);
+  EXPECT_EQ(GetNodeName(first), u"g");
+  EXPECT_EQ(run.documents.size(), 2u);
+  CloseFile();
+}
