@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "filter_limits.h"
 
@@ -22,6 +23,8 @@ struct DefinitionRecord {
 struct DefinitionTable {
   DefinitionRecord* records = nullptr;
   std::int32_t count = 1;  // never reset, not even by CloseFile
+  // Places of the first records, by their ids without case and then by place: the lookups of large tables use it.
+  std::vector<std::int32_t> sorted;
 };
 
 struct DefinitionTables {

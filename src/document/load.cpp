@@ -35,23 +35,19 @@ class OpenFile {
   int fd_;
 };
 
-std::unique_ptr<char[]> TryAllocateCleared(std::size_t size) {
-  return std::unique_ptr<char[]>(new (std::nothrow) char[size]());
-}
-
-// Reads until the bytes are in, the file ends or a read fails, and returns what came in. The remaining count goes down
-// by what was asked for, not by what came.
-std::size_t ReadBytes(int fd, char* to, std::size_t size) {
-  std::size_t total = 0;
+// Reads until the bytes are in, the file ends or a read fails, which is an error; `came` counts what came in. The
+// remaining count goes down by what was asked for, not by what came.
+bool ReadBytes(int fd, char* to, std::size_t size, std::size_t* came) {
+  *came = 0;
   for (std::size_t remaining = size; remaining > 0;) {
     const std::size_t asked = std::min(remaining, kMaxReadRequest);
-    const ssize_t came = read(fd, to + total, asked);
-    if (came < 0) return static_cast<std::size_t>(-1);
-    if (came == 0) break;
-    total += static_cast<std::size_t>(came);
+    const ssize_t now = read(fd, to + *came, asked);
+    if (now < 0) return false;
+    if (now == 0) break;
+    *came += static_cast<std::size_t>(now);
     remaining -= asked;
   }
-  return total;
+  return true;
 }
 
 void KeepText(std::unique_ptr<char[]> text, std::size_t size) {
@@ -59,9 +55,14 @@ void KeepText(std::unique_ptr<char[]> text, std::size_t size) {
   run.file.FileBufferSize = size;
 }
 
-const char* FindBytes(const char* text, const char* end, std::string_view bytes) {
-  const void* found = memmem(text, static_cast<std::size_t>(end - text), bytes.data(), bytes.size());
-  return found ? static_cast<const char*>(found) : end;
+// The first place of `word`, or `end`.
+const char* FindWord(const char* text, const char* end, std::string_view word) {
+  for (; text != end; ++text) {
+    text = static_cast<const char*>(std::memchr(text, word[0], static_cast<std::size_t>(end - text)));
+    if (!text) return end;
+    if (std::string_view(text, static_cast<std::size_t>(end - text)).starts_with(word)) return text;
+  }
+  return end;
 }
 
 const char* EndOfText(const char* text, std::size_t size) { return text + strnlen(text, size); }
@@ -75,18 +76,20 @@ void Check(HRESULT status) {
 }  // namespace
 
 bool ReadWholeFile(const char16_t* path) {
-  if (!path || !HostFileExists(path)) return false;
+  if (!path) return false;
   const OpenFile file(path);
   if (file.fd() < 0) return false;
   struct stat status;
   if (fstat(file.fd(), &status) != 0 || status.st_size <= 0) return false;
   const auto size = static_cast<std::size_t>(status.st_size);
-  std::unique_ptr<char[]> block = TryAllocateCleared(size + 1);
+  std::unique_ptr<char[]> block(new (std::nothrow) char[size + 1]);
   if (!block) return false;
-  if (ReadBytes(file.fd(), block.get(), size) != size) {
+  std::size_t came;
+  if (!ReadBytes(file.fd(), block.get(), size, &came) || came != size) {
     KeepText(nullptr, 0);
     return false;
   }
+  block[size] = 0;
   // What lies behind a NUL is lost at this stage, but the block has room for it.
   KeepText(std::move(block), std::strlen(block.get()) + 1);
   return true;
@@ -98,8 +101,10 @@ bool ReadForLoading(const char16_t* path) {
   const auto size = static_cast<std::uint32_t>(lseek(file.fd(), 0, SEEK_END));
   lseek(file.fd(), 0, SEEK_SET);
   if (size == 0) return false;
-  std::unique_ptr<char[]> block(new char[std::size_t{size} + 1]());
-  ReadBytes(file.fd(), block.get(), size);
+  std::unique_ptr<char[]> block(new char[std::size_t{size} + 1]);
+  std::size_t came;
+  ReadBytes(file.fd(), block.get(), size, &came);
+  std::memset(block.get() + came, 0, size + 1 - came);
   BlankDoctype(block.get(), size);
   if (IsInMillimetres(block.get(), size)) run.UnitScale = kMillimetreScale;
   KeepText(std::move(block), std::size_t{size} + 1);
@@ -108,7 +113,7 @@ bool ReadForLoading(const char16_t* path) {
 
 void BlankDoctype(char* text, std::size_t size) {
   const char* const end = EndOfText(text, size);
-  const char* found = FindBytes(text, end, "!DOCTYPE");
+  const char* found = FindWord(text, end, "!DOCTYPE");
   if (found == end) return;
   char* c = text + (found - text);
   while (c > text && *c != '<') --c;
@@ -119,7 +124,7 @@ void BlankDoctype(char* text, std::size_t size) {
 bool IsInMillimetres(const char* text, std::size_t size) {
   constexpr std::string_view kWord = "width";
   const char* const end = EndOfText(text, size);
-  const char* c = FindBytes(text, end, kWord);
+  const char* c = FindWord(text, end, kWord);
   if (c == end) return false;
   c += kWord.size();
   while (c != end && !IsDigitByte(*c)) ++c;
@@ -131,17 +136,18 @@ bool IsInMillimetres(const char* text, std::size_t size) {
 IXMLDOMNode* LoadDocument() {
   const std::string_view bytes(run.file.FileBuffer.get());
   if (bytes.size() > kMaxDocumentBytes) throw DocumentError(kInvalidArgument, "IXMLDOMDocument");
-  std::u16string text;
+  run.documents.emplace_back();
+  LoadedDocument& loaded = run.documents.back();
   try {
-    AppendWideFromNarrow(text, bytes);
+    AppendWideFromNarrow(loaded.text, bytes);
   } catch (const std::bad_alloc&) {
     throw DocumentError(kOutOfMemory, "IXMLDOMDocument");
   }
 
   run.DomDocument = nullptr;
-  IXMLDOMDocument* document = run.CreateDocument();
+  loaded.document.reset(run.CreateDocument());
+  IXMLDOMDocument* const document = loaded.document.get();
   if (!document) throw DocumentError(kNullPointer, "IXMLDOMDocument");
-  run.documents.emplace_back(document);
   bool validate = false;
   document->get_validateOnParse(&validate);
   document->put_validateOnParse(true);
@@ -150,7 +156,7 @@ IXMLDOMNode* LoadDocument() {
   document->get_doctype(&doctype);
   if (doctype) doctype->Release();
   bool success = false;
-  Check(document->loadXML(text, &success));
+  Check(document->loadXML(loaded.text, &success));
   if (success) {
     IXMLDOMNode* element = nullptr;
     Check(document->get_documentElement(&element));

@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 using HRESULT = std::int32_t;
@@ -109,7 +110,8 @@ class IXMLDOMDocument {
   virtual HRESULT put_async(bool async) = 0;
   // Always null with kFalse.
   virtual HRESULT get_doctype(IXMLDOMNode** doctype) = 0;
-  // Replaces the tree by that of `text`, which is read during the call only; the nodes of the tree before are gone.
+  // Replaces the tree by that of `text`, which must stay as it is for as long as the document lives; the
+  // nodes of the tree before are gone.
   // `*success` tells whether it was taken. A text that is refused gives kFalse, one of more than 0x7FFFFFFF units
   // kInvalidArgument, and a lack of memory kOutOfMemory, each with `*success` false and an empty document.
   virtual HRESULT loadXML(std::u16string_view text, bool* success) = 0;

@@ -264,20 +264,29 @@ class TreeBuilder {
     return tree_.arena.CloseText();
   }
 
-  // Stores an attribute value, with line feeds and tabs where the marks have them.
+  // Stores an attribute value: what the library saw of it, or the one that was set aside from this place.
   std::u16string_view StoreValue(const char* value, const char* end) {
-    char16_t* const units = tree_.arena.TextRoom(static_cast<std::size_t>(end - value));
-    tree_.arena.LengthenText(static_cast<std::size_t>(Widen(value, end, units) - units));
-    // A value that the library had to change is not part of the text, and has no marks.
-    const std::vector<BreakMark>& breaks = text_.breaks;
-    const auto offset = reinterpret_cast<std::uintptr_t>(value) - reinterpret_cast<std::uintptr_t>(text_.bytes);
-    if (nextBreak_ != breaks.size() && offset < text_.size) {
-      const std::size_t endOffset = offset + static_cast<std::size_t>(end - value);
-      while (nextBreak_ != breaks.size() && breaks[nextBreak_].offset < offset) ++nextBreak_;
-      for (; nextBreak_ != breaks.size() && breaks[nextBreak_].offset < endOffset; ++nextBreak_) {
-        units[breaks[nextBreak_].offset - offset] = breaks[nextBreak_].isTab ? u'\t' : u'\n';
+    const std::vector<PlainValue>& values = text_.values;
+    if (value == end && nextValue_ != values.size()) {
+      const auto offset = static_cast<std::size_t>(value - text_.bytes);
+      if (offset < text_.size) {
+        while (nextValue_ != values.size() && values[nextValue_].offset < offset) ++nextValue_;
       }
+      if (nextValue_ != values.size() && values[nextValue_].offset == offset) return StorePlain(values[nextValue_++]);
     }
+    return StoreText({value, static_cast<std::size_t>(end - value)});
+  }
+
+  std::u16string_view StorePlain(const PlainValue& value) {
+    if (!value.hasReturns) return {value.units, value.length};
+    char16_t* const units = tree_.arena.TextRoom(value.length);
+    char16_t* to = units;
+    const char16_t* const end = value.units + value.length;
+    for (const char16_t* from = value.units; from != end; ++from) {
+      if (*from == u'\r' && from + 1 != end && from[1] == u'\n') continue;
+      *to++ = *from == u'\r' ? u'\n' : *from;
+    }
+    tree_.arena.LengthenText(static_cast<std::size_t>(to - units));
     return tree_.arena.CloseText();
   }
 
@@ -291,7 +300,7 @@ class TreeBuilder {
   int depth_ = 0;
   std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
   bool blank_ = false;               // white space was dropped since the last child or tag
-  std::size_t nextBreak_ = 0;
+  std::size_t nextValue_ = 0;
 };
 
 // Calls the builder from the library, which no exception may pass through.

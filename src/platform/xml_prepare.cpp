@@ -19,6 +19,9 @@ constexpr std::size_t kBlock = 16;
 // What one step of a scan writes at most: a block, or a unit at the end of one as three bytes or as a reference.
 constexpr std::size_t kRoom = 4 * kBlock;
 
+// Few documents have more values.
+constexpr std::size_t kUnitsPerValue = 32;
+
 // NULs behind the text, for the library to look ahead over.
 constexpr std::size_t kPadding = 8;
 
@@ -51,15 +54,16 @@ constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kSto
 
 constexpr bool IsBreak(char16_t unit) { return unit == u'\n' || unit == u'\t' || unit == u'\r'; }
 
-// Copies a block, and returns a bit for each unit at which a run in this place stops, the lowest for the first.
+// Returns a bit for each unit of a block at which a run in this place stops, the lowest for the first. Copies the block
+// if `to` is not null.
 #ifdef __SSE2__
 template <Place place>
-unsigned CopyBlock(const char16_t* from, char* to) {
+unsigned FindStops(const char16_t* from, char* to) {
   const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
   const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
   // Units that are no bytes become 0xFF or, from 0x8000 on, 0. A run stops at either everywhere.
   const __m128i bytes = _mm_packus_epi16(low, high);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+  if (to != nullptr) _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
   // By their sign, bytes beyond ASCII are less than the lowest that does not stop.
   __m128i stops = _mm_cmplt_epi8(bytes, _mm_set1_epi8((place & kQuoted) != 0 ? 0x20 : 1));
   const auto stopAt = [&](char byte) { stops = _mm_or_si128(stops, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))); };
@@ -73,10 +77,10 @@ unsigned CopyBlock(const char16_t* from, char* to) {
 }
 #else
 template <Place place>
-unsigned CopyBlock(const char16_t* from, char* to) {
+unsigned FindStops(const char16_t* from, char* to) {
   unsigned stops = 0;
   for (std::size_t i = 0; i < kBlock; ++i) {
-    to[i] = static_cast<char>(from[i]);
+    if (to != nullptr) to[i] = static_cast<char>(from[i]);
     if (StopsAt(place, from[i])) stops |= 1u << i;
   }
   return stops;
@@ -92,6 +96,7 @@ class Preparation {
 
   PrepareStatus Run() {
     const std::size_t units = static_cast<std::size_t>(end_ - in_);
+    prepared_.values.reserve(units / kUnitsPerValue);
     if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
     return status_;
   }
@@ -149,66 +154,61 @@ class Preparation {
     }
   }
 
-  // Copies the rest of an attribute value behind its first quote.
+  // Sets the rest of an attribute value behind its first quote aside, or copies it, and copies the last quote.
   template <Place place>
   bool CopyValue() {
-    const char16_t* const valueIn = in_;
-    const std::size_t valueOut = Written();
-    const std::size_t breaksBefore = prepared_.breaks.size();
-    bool asReferences = false;
+    constexpr char16_t kQuote = place == kDoubleQuoted ? u'"' : u'\'';
+    bool hasReturns = false;
+    const char16_t* c = PlainEnd<place>(in_);
+    for (; c != end_ && IsBreak(*c); c = PlainEnd<place>(c + 1)) hasReturns |= *c == u'\r';
+    // The library needs the values of namespace declarations, and hands them out without their place in the text.
+    if (c != end_ && *c == kQuote && !InNamespaceDeclaration()) {
+      prepared_.values.push_back(
+          {in_, static_cast<std::uint32_t>(c - in_), static_cast<std::uint32_t>(Written()), hasReturns});
+      in_ = c;
+    }
     for (;;) {
       if (!CopyRun<place>()) return false;
       if (in_ == end_) return true;
       const char16_t unit = *in_;
-      if (unit == (place == kDoubleQuoted ? u'"' : u'\'')) {
+      if (unit == kQuote) {
         *out_++ = static_cast<char>(unit);
         ++in_;
         return true;
       }
       if (unit == u'<') return Refuse(u"'<' stands in an attribute value.");
-      if (IsBreak(unit)) {
-        // The library hands out the values of namespace declarations without their place in the text.
-        if (!asReferences && prepared_.breaks.size() == breaksBefore) asReferences = InNamespaceDeclaration(valueOut);
-        while (in_ != end_ && IsBreak(*in_)) {
-          if (!CopyBreak(asReferences)) return false;
-        }
-      } else if (unit == u'&' || unit > 0x7F) {
-        if (!asReferences && prepared_.breaks.size() != breaksBefore) {
-          // Begun under the wrong assumption: once more from the start of the value.
-          prepared_.breaks.resize(breaksBefore);
-          in_ = valueIn;
-          out_ = prepared_.bytes + valueOut;
-          asReferences = true;
-          continue;
-        }
-        asReferences = true;
-        if (!CopyUnit()) return false;
-      } else {
-        if (!CopyUnit()) return false;  // a control code, which the library refuses
-      }
+      // The library refuses all control codes but line feeds and tabs, which it makes blanks unless they are
+      // references.
+      if (!(IsBreak(unit) ? CopyBreak() : CopyUnit())) return false;
     }
   }
 
-  // Copies a line end or tab of an attribute value.
-  bool CopyBreak(bool asReference) {
-    const bool isTab = *in_ == u'\t';
+  // The first unit from here on at which a run in this place stops, or the end.
+  template <Place place>
+  const char16_t* PlainEnd(const char16_t* from) const {
+    while (end_ - from >= static_cast<std::ptrdiff_t>(kBlock)) {
+      const unsigned stops = FindStops<place>(from, nullptr);
+      if (stops != 0) return from + std::countr_zero(stops);
+      from += kBlock;
+    }
+    while (from != end_ && !StopsAt(place, *from)) ++from;
+    return from;
+  }
+
+  // Copies a line end or tab of an attribute value as a reference.
+  bool CopyBreak() {
+    const std::string_view reference = *in_ == u'\t' ? "&#9;" : "&#10;";
     if (*in_ == u'\r' && in_ + 1 != end_ && in_[1] == u'\n') ++in_;
     ++in_;
     if (!Room()) return false;
-    if (asReference) {
-      const std::string_view reference = isTab ? "&#9;" : "&#10;";
-      out_ = std::copy(reference.begin(), reference.end(), out_);
-      return true;
-    }
-    prepared_.breaks.push_back({static_cast<std::uint32_t>(Written()) & 0x7FFFFFFFu, isTab ? 1u : 0u});
-    *out_++ = ' ';
+    out_ = std::copy(reference.begin(), reference.end(), out_);
     return true;
   }
 
-  // Whether the value that begins at `valueOut` belongs to a name that begins with "xmlns".
-  bool InNamespaceDeclaration(std::size_t valueOut) const {
+  // Whether the value that begins here belongs to a name that begins with "xmlns".
+  bool InNamespaceDeclaration() const {
     const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\n'; };
-    const char* position = prepared_.bytes + valueOut - 1;  // the quote; a '<' stands in front of it in any case
+    const char* position = out_ - 1;  // the quote; a '<' stands in front of it in any case
     while (isBlank(position[-1]) || position[-1] == '=') --position;
     const char* const nameEnd = position;
     while (!isBlank(position[-1]) && position[-1] != '<') --position;
@@ -222,7 +222,7 @@ class Preparation {
     for (;;) {
       if (!Room()) return false;
       if (end_ - in_ >= static_cast<std::ptrdiff_t>(kBlock)) {
-        const unsigned stops = CopyBlock<place>(in_, out_);
+        const unsigned stops = FindStops<place>(in_, out_);
         const int plain = stops == 0 ? static_cast<int>(kBlock) : std::countr_zero(stops);
         in_ += plain;
         out_ += plain;

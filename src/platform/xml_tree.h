@@ -1,5 +1,5 @@
 // The tree behind a document: nodes that lie in the document's arena, are never destroyed one by one and know their
-// tree only to count references. An element is its own attribute map and child list, so that reading takes no memory.
+// tree only to count references. Most attribute values lie in the document's text. An element is its own attribute map and child list, so that reading takes no memory.
 #pragma once
 
 #include <cstddef>

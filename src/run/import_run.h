@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,6 +31,12 @@ struct ReleaseDocument {
   void operator()(IXMLDOMDocument* document) const { document->Release(); }
 };
 
+// A document and the text in which the values of its tree lie.
+struct LoadedDocument {
+  std::u16string text;
+  std::unique_ptr<IXMLDOMDocument, ReleaseDocument> document;
+};
+
 struct ImportRun {
   ImportRun();
   ~ImportRun();
@@ -51,7 +58,7 @@ struct ImportRun {
   IXMLDOMDocument* (*CreateDocument)() = CreateDomDocument;
   // Every document that was loaded: they are kept, since views of their texts and references to their nodes may be
   // anywhere.
-  std::vector<std::unique_ptr<IXMLDOMDocument, ReleaseDocument>> documents;
+  std::deque<LoadedDocument> documents;
   IXMLDOMDocument* DomDocument = nullptr;
   IXMLDOMNode* RootNode = nullptr;  // with one reference
   ChildNodeList NodeList;           // the root's children

@@ -236,7 +236,7 @@ bool PathWriter::Dispatch(char16_t letter, ScanFrom from) {
       break;
     case u'Z':
     case u'z':
-      FeedOperatorText(u"Z", kExecute);
+      OperatorClose({u"Z", 1});
       ++i_;
       return true;
     case u'T':
@@ -344,11 +344,11 @@ void TranslatePath(IXMLDOMNode* node) {
   PathWriter(data).Run();
   if (!data.empty()) {
     if (run.paint.FillGiven == 1) {
-      FeedOperatorText(u"Z", kExecute);
+      OperatorClose({u"Z", 1});
       run.paint.FillGiven = 0;
     }
-    FeedOperatorText(u"Z2", kExecute);
-    FeedOperatorText(u"0 0 M", kExecute);
+    OperatorCloseIfNear({u"Z2", 1});
+    MoveTo({0.0, 0.0}, false);
   }
   EndPath();
   PopGraphicsState();

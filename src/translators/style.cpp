@@ -26,18 +26,98 @@ std::u16string_view Behind(std::u16string_view text, std::size_t i) {
   return text.substr(i < text.size() ? i : text.size());
 }
 
-// The value of the property whose name, colon included, stands at `match`.
-std::u16string_view ValueAt(std::u16string_view text, std::size_t match) {
-  std::u16string_view value = Behind(text, text.find(u':', match) + 1);
-  while (!value.empty() && value[0] == u' ') value.remove_prefix(1);
-  return value;
-}
+enum Property {
+  kStroke,
+  kStrokeWidth,
+  kLineCap,
+  kLineJoin,
+  kMiterLimit,
+  kFill,
+  kFillOpacity,
+  kFillRule,
+  kFontFamily,
+  kFontSize,
+  kTextAnchor,
+  kOpacity,
+  kSecondOpacity,  // the second place of the same name
+  kPropertyCount,
+};
 
-std::optional<std::u16string_view> FindValue(std::u16string_view text, std::u16string_view property) {
-  const std::size_t match = text.find(property);
-  if (match == text.npos) return std::nullopt;
-  return ValueAt(text, match);
-}
+// Where the properties of a style text stand. A property counts at the first place at which its name stands in front of
+// a colon, be it the end of a longer name. One walk from colon to colon finds them all.
+class StyleText {
+ public:
+  explicit StyleText(std::u16string_view text) : text_(text) {
+    for (std::size_t colon = text.find(u':'); colon != text.npos; colon = text.find(u':', colon + 1)) Note(colon);
+  }
+
+  bool Has(Property property) const { return values_[property] != 0; }
+
+  // Behind the blanks in front of it; runs on to the end of the text.
+  std::optional<std::u16string_view> Find(Property property) const {
+    if (!Has(property)) return std::nullopt;
+    std::u16string_view value = text_.substr(values_[property]);
+    while (!value.empty() && value[0] == u' ') value.remove_prefix(1);
+    return value;
+  }
+
+  // From the colon on.
+  std::u16string_view FromColon(Property property) const { return text_.substr(values_[property] - 1); }
+
+  // "opacity:" that is not the end of "stroke-opacity:" or "fill-opacity:"; only the second place is looked at behind
+  // the first.
+  std::optional<std::u16string_view> FindOpacity() const {
+    for (const Property place : {kOpacity, kSecondOpacity}) {
+      if (!Has(place)) return std::nullopt;
+      const std::size_t name = values_[place] - std::u16string_view(u"opacity:").size();
+      if (name == 0 || text_[name - 1] != u'-') return Find(place);
+    }
+    return std::nullopt;
+  }
+
+ private:
+  void Note(std::size_t colon) {
+    const std::u16string_view name = text_.substr(0, colon);
+    const auto take = [&](std::u16string_view property, Property place) {
+      if (!Has(place) && name.ends_with(property)) values_[place] = colon + 1;
+    };
+    switch (name.empty() ? u' ' : name.back()) {
+      case u'e':
+        take(u"stroke", kStroke);
+        take(u"fill-rule", kFillRule);
+        take(u"font-size", kFontSize);
+        break;
+      case u'h':
+        take(u"stroke-width", kStrokeWidth);
+        break;
+      case u'l':
+        take(u"fill", kFill);
+        break;
+      case u'n':
+        take(u"stroke-linejoin", kLineJoin);
+        break;
+      case u'p':
+        take(u"stroke-linecap", kLineCap);
+        break;
+      case u'r':
+        take(u"text-anchor", kTextAnchor);
+        break;
+      case u't':
+        take(u"stroke-miterlimit", kMiterLimit);
+        break;
+      case u'y':
+        take(u"fill-opacity", kFillOpacity);
+        take(u"font-family", kFontFamily);
+        take(u"opacity", Has(kOpacity) ? kSecondOpacity : kOpacity);
+        break;
+      default:
+        break;
+    }
+  }
+
+  std::u16string_view text_;
+  std::size_t values_[kPropertyCount] = {};  // where the value begins; 0: not there
+};
 
 bool IsName(std::u16string_view value) { return !value.empty() && value[0] >= u'b' && value[0] <= u'y'; }
 bool IsHex(std::u16string_view value) { return value.starts_with(u'#'); }
@@ -63,26 +143,12 @@ std::int32_t ReadRgb(std::u16string_view value) {
   return static_cast<std::int32_t>(components[0] | components[1] << 8 | components[2] << 16);
 }
 
-// "opacity:" that is not the end of "stroke-opacity:" or "fill-opacity:"; only the second occurrence is looked at
-// behind the first.
-std::optional<std::u16string_view> FindOpacity(std::u16string_view text) {
-  constexpr std::u16string_view kOpacity = u"opacity:";
-  const auto compound = [text](std::size_t match) { return match > 0 && text[match - 1] == u'-'; };
-  std::size_t match = text.find(kOpacity);
-  if (match != text.npos && compound(match)) {
-    match = text.find(kOpacity, match + 1);
-    if (match != text.npos && compound(match)) match = text.npos;
-  }
-  if (match == text.npos) return std::nullopt;
-  return ValueAt(text, match);
+void ApplyOpacity(const StyleText& style) {
+  if (const auto value = style.FindOpacity()) ApplyUniformOpacity(*value);
 }
 
-void ApplyOpacity(std::u16string_view text) {
-  if (const auto value = FindOpacity(text)) ApplyUniformOpacity(*value);
-}
-
-void ApplyFillOpacity(std::u16string_view text) {
-  if (const auto value = FindValue(text, u"fill-opacity:")) ApplyUniformOpacity(*value);
+void ApplyFillOpacity(const StyleText& style) {
+  if (const auto value = style.Find(kFillOpacity)) ApplyUniformOpacity(*value);
 }
 
 struct Keyword {
@@ -101,24 +167,24 @@ std::int32_t ReadKeyword(std::u16string_view value, std::span<const Keyword> key
   return 0;
 }
 
-void ApplyLineCap(std::u16string_view text) {
-  if (const auto value = FindValue(text, u"stroke-linecap:")) PushValue(KEY_LNST, ReadKeyword(*value, kCaps));
+void ApplyLineCap(const StyleText& style) {
+  if (const auto value = style.Find(kLineCap)) PushValue(KEY_LNST, ReadKeyword(*value, kCaps));
 }
 
-void ApplyLineJoin(std::u16string_view text) {
-  if (const auto value = FindValue(text, u"stroke-linejoin:")) PushValue(KEY_CNST, ReadKeyword(*value, kJoins));
+void ApplyLineJoin(const StyleText& style) {
+  if (const auto value = style.Find(kLineJoin)) PushValue(KEY_CNST, ReadKeyword(*value, kJoins));
 }
 
-void ApplyMiterLimit(std::u16string_view text) {
-  const auto value = FindValue(text, u"stroke-miterlimit:");
+void ApplyMiterLimit(const StyleText& style) {
+  const auto value = style.Find(kMiterLimit);
   if (!value) return;
   const auto limit = static_cast<std::int32_t>(static_cast<std::uint32_t>(LeadingInteger(*value)) * 100u);
   CurrentFrame().miterLimit = limit;
   PushValue(KEY_MLIM, limit);
 }
 
-void ApplyFillRule(std::u16string_view text) {
-  if (const auto value = FindValue(text, u"fill-rule:")) PushValue(KEY_WRUL, value->starts_with(u'n') ? 1 : 0);
+void ApplyFillRule(const StyleText& style) {
+  if (const auto value = style.Find(kFillRule)) PushValue(KEY_WRUL, value->starts_with(u'n') ? 1 : 0);
 }
 
 // The paint server between the first "#" and the next ")"; nothing happens if there is none by that name.
@@ -134,9 +200,9 @@ void ApplyPaintServer(std::u16string_view value) {
 void SendWidth(double width) { PushWidth(run.UnitScale * width, 0); }
 
 // The width of a shape behind its stroke.
-void ApplyShapeWidth(std::u16string_view text) {
+void ApplyShapeWidth(const StyleText& style) {
   double width = 0.0;
-  if (const auto value = FindValue(text, u"stroke-width:")) {
+  if (const auto value = style.Find(kStrokeWidth)) {
     width = LeadingNumber(*value);
     if (width == 0.0) {
       PushValue(KEY_THST, kNoLine);  // twice: it is meant
@@ -152,8 +218,8 @@ void ApplyShapeWidth(std::u16string_view text) {
 }
 
 // An "rgb" stroke lands in the frame's fill colour, and the others nowhere: it is meant.
-void ApplyShapeStroke(std::u16string_view text) {
-  const auto value = FindValue(text, u"stroke:");
+void ApplyShapeStroke(const StyleText& style) {
+  const auto value = style.Find(kStroke);
   if (!value) return;
   if (IsNone(*value)) {
     PushValue(KEY_THST, kNoLine);
@@ -168,7 +234,7 @@ void ApplyShapeStroke(std::u16string_view text) {
   } else if (IsName(*value)) {
     PushValue(KEY_OUTL, LookupColourName(*value));
   }
-  ApplyShapeWidth(text);
+  ApplyShapeWidth(style);
 }
 
 // The forms of a solid colour, in the order of their tests.
@@ -179,8 +245,8 @@ std::optional<std::int32_t> ReadSolidColour(std::u16string_view value) {
   return std::nullopt;
 }
 
-void ApplyShapeFill(std::u16string_view text) {
-  const auto value = FindValue(text, u"fill:");
+void ApplyShapeFill(const StyleText& style) {
+  const auto value = style.Find(kFill);
   if (!value) return;
   if (IsNone(*value)) {
     PushValue(KEY_FILL, kNone);
@@ -199,9 +265,9 @@ void SetThickness(std::int32_t thickness) {
   CurrentFrame().thicknessState = thickness;
 }
 
-void ApplyGroupStroke(std::u16string_view text) {
+void ApplyGroupStroke(const StyleText& style) {
   GraphicsState& frame = CurrentFrame();
-  const auto stroke = FindValue(text, u"stroke:");
+  const auto stroke = style.Find(kStroke);
   if (stroke && IsNone(*stroke)) {
     SetThickness(kNoLine);
     SendWidth(0.0);
@@ -222,7 +288,7 @@ void ApplyGroupStroke(std::u16string_view text) {
     }
   }
   double width = 0.0;
-  if (const auto value = FindValue(text, u"stroke-width:")) {
+  if (const auto value = style.Find(kStrokeWidth)) {
     width = LeadingNumber(*value);
     SetThickness(kThick);
   } else if (frame.lineWidth == 0.0) {
@@ -232,8 +298,8 @@ void ApplyGroupStroke(std::u16string_view text) {
   SendWidth(width);
 }
 
-void ApplyGroupFill(std::u16string_view text) {
-  const auto value = FindValue(text, u"fill:");
+void ApplyGroupFill(const StyleText& style) {
+  const auto value = style.Find(kFill);
   if (!value) return;
   std::int32_t colour = kNone;
   if (!IsNone(*value)) {
@@ -246,9 +312,9 @@ void ApplyGroupFill(std::u16string_view text) {
   CurrentFrame().fill.colour = colour;
 }
 
-void ApplyTextWidth(std::u16string_view text) {
+void ApplyTextWidth(const StyleText& style) {
   double width = 0.0;
-  if (const auto value = FindValue(text, u"stroke-width:")) {
+  if (const auto value = style.Find(kStrokeWidth)) {
     width = LeadingNumber(*value);
     PushValue(KEY_THST, kThick);
   } else if (CurrentFrame().lineWidth == 0.0) {
@@ -259,9 +325,9 @@ void ApplyTextWidth(std::u16string_view text) {
 }
 
 // A name is tested before "rgb", so that a small "rgb(" is a name that nothing matches, black, and only "RGB(" is read.
-void ApplyTextStroke(std::u16string_view text, bool forceWidth) {
+void ApplyTextStroke(const StyleText& style, bool forceWidth) {
   bool readWidth = true;
-  if (const auto value = FindValue(text, u"stroke:")) {
+  if (const auto value = style.Find(kStroke)) {
     if (IsNone(*value)) {
       PushValue(KEY_THST, kNoLine);
       readWidth = forceWidth;
@@ -275,11 +341,11 @@ void ApplyTextStroke(std::u16string_view text, bool forceWidth) {
       readWidth = forceWidth;
     }
   }
-  if (readWidth) ApplyTextWidth(text);
+  if (readWidth) ApplyTextWidth(style);
 }
 
-void ApplyTextFill(std::u16string_view text) {
-  const auto value = FindValue(text, u"fill:");
+void ApplyTextFill(const StyleText& style) {
+  const auto value = style.Find(kFill);
   if (!value) return;
   if (IsNone(*value)) {
     PushValue(KEY_FILL, kNone);
@@ -307,37 +373,38 @@ std::int32_t ReadHexColour(std::u16string_view value) {
 }
 
 void ApplyShapeStyle(std::u16string_view text) {
+  const StyleText style(text);
   ReplayPaintState();
-  ApplyShapeStroke(text);
+  ApplyShapeStroke(style);
   run.paint.FillGiven = 0;
-  ApplyShapeFill(text);
-  ApplyLineCap(text);
-  ApplyLineJoin(text);
-  ApplyMiterLimit(text);
-  ApplyOpacity(text);
-  ApplyFillOpacity(text);
-  ApplyFillRule(text);
+  ApplyShapeFill(style);
+  ApplyLineCap(style);
+  ApplyLineJoin(style);
+  ApplyMiterLimit(style);
+  ApplyOpacity(style);
+  ApplyFillOpacity(style);
+  ApplyFillRule(style);
 }
 
 void ApplyGroupStyle(std::u16string_view text) {
-  ApplyOpacity(text);
-  ApplyFillOpacity(text);
-  ApplyGroupStroke(text);
-  ApplyGroupFill(text);
+  const StyleText style(text);
+  ApplyOpacity(style);
+  ApplyFillOpacity(style);
+  ApplyGroupStroke(style);
+  ApplyGroupFill(style);
 }
 
 void ApplyTextStyle(std::u16string_view text, bool forceWidth) {
-  ApplyTextStroke(text, forceWidth);
-  ApplyTextFill(text);
-  ApplyLineCap(text);
-  ApplyLineJoin(text);
-  ApplyFillOpacity(text);
-  if (const auto value = FindValue(text, u"font-family:"))
-    run.text.OverwriteFontName(value->substr(0, value->find(u';')));
-  ApplyFillRule(text);
-  if (const auto value = FindValue(text, u"text-anchor:")) ApplyTextAnchor(*value);
-  const std::size_t size = text.find(u"font-size:");
-  if (size != text.npos) ApplyFontSize(text.substr(size));
+  const StyleText style(text);
+  ApplyTextStroke(style, forceWidth);
+  ApplyTextFill(style);
+  ApplyLineCap(style);
+  ApplyLineJoin(style);
+  ApplyFillOpacity(style);
+  if (const auto value = style.Find(kFontFamily)) run.text.OverwriteFontName(value->substr(0, value->find(u';')));
+  ApplyFillRule(style);
+  if (const auto value = style.Find(kTextAnchor)) ApplyTextAnchor(*value);
+  if (style.Has(kFontSize)) ApplyFontSize(style.FromColon(kFontSize));
 }
 
 // The factor and the divisor are the style's own; the attribute of a text element goes by another formula.

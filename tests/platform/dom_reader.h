@@ -21,7 +21,8 @@ class Dom {
 
   bool Load(std::u16string_view text) {
     bool success = true;
-    status = document_->loadXML(text, &success);
+    text_ = text;
+    status = document_->loadXML(text_, &success);
     return success;
   }
 
@@ -36,6 +37,7 @@ class Dom {
   HRESULT status = kOk;  // of the last load
 
  private:
+  std::u16string text_;  // of the last load, kept for the document
   IXMLDOMDocument* document_;
 };
 
