@@ -91,7 +91,8 @@ bool ReadWholeFile(const char16_t* path) {
   }
   block[size] = 0;
   // What lies behind a NUL is lost at this stage, but the block has room for it.
-  KeepText(std::move(block), std::strlen(block.get()) + 1);
+  const std::size_t length = std::strlen(block.get());
+  KeepText(std::move(block), length + 1);
   return true;
 }
 
