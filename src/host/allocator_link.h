@@ -33,7 +33,7 @@ struct HostAllocatorLink {
   HostAllocatorLink& operator=(const HostAllocatorLink&) = delete;
 
   HostAllocator* iface = nullptr;  // the allocator in use; null until it has been looked for
-  void* library = nullptr;         // "tavmem.dll"; null when it was not found or had no allocator
+  void* library = nullptr;         // "tavmem.dll", also when it had no allocator; null when it was not found
   FallbackAllocator fallback;
 };
 
