@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <new>
+#include <random>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -285,6 +287,53 @@ TEST_F(PathRollBack, DoesNotFreeWhatTheRecordsCarried) {
   RollBackPath();
   EXPECT_EQ(*static_cast<double*>(width.data), 0.5);
   FreeHost(width.data);
+}
+
+// Every place of the head and of the path in the ring, growth with a head past the table included, against a plain
+// list.
+TEST_F(PathRollBack, AgreesWithAPlainListWhateverCameBefore) {
+  struct Entry {
+    std::uint32_t key;
+    std::int32_t value;
+  };
+  std::deque<Entry> expected;
+  std::mt19937 random(1);
+  std::int32_t next = 0;
+  std::size_t longest = 0;
+  std::size_t rollBacks = 0;
+  for (int step = 0; step < 20'000; ++step) {
+    const auto choice = random() % 100;
+    // The list grows for a while and shrinks for a while.
+    const unsigned pushes = step / 500 % 2 == 0 ? 55 : 40;
+    if (choice < pushes) {
+      PushValue(KEY_FILL, ++next);
+      expected.push_back({KEY_FILL, next});
+    } else if (choice < pushes + 3) {
+      PushCommand(KEY_PATH);
+      expected.push_back({KEY_PATH, 0});
+    } else if (choice < pushes + 4) {
+      RollBackPath();
+      std::size_t path = expected.size();
+      while (path > 0 && expected[path - 1].key != KEY_PATH) --path;
+      if (path > 0) {
+        expected.resize(path >= 2 ? path - 2 : 0, Entry{});
+        ++rollBacks;
+      }
+    } else {
+      const ImportCommand record = PopCommand(queue);
+      const Entry front = expected.empty() ? Entry{KEY_NULL, 0} : expected.front();
+      if (!expected.empty()) expected.pop_front();
+      ASSERT_EQ(record.key, front.key);
+      ASSERT_EQ(record.value, front.value);
+    }
+    ASSERT_EQ(queue.count, expected.size());
+    if (queue.count == 0) {
+      ASSERT_EQ(queue.head, 0u);
+    }
+    longest = std::max(longest, queue.count);
+  }
+  EXPECT_GT(longest, 32u);
+  EXPECT_GT(rollBacks, 50u);
 }
 
 // --- Destroying a queue
