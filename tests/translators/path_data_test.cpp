@@ -2,6 +2,8 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <random>
+#include <string>
 
 #include "tests/translators/translator_fixture.h"
 
@@ -297,6 +299,49 @@ TEST_F(PathData, CommandsBehindASmoothCurveKeepTheirMeaning) {
                 "1 1 M 2 2 3 4 Sc 9 9 M 4 H 5 v 1 2 3 4 5 6 c 30 4 5 60 Q 5 6 7 1 0 9 8 a 4 4 Tp");
   ExpectProgram("M1 1 L9 5 t2 2 c1 2 3 4 5 6 s1 2 3 4 h5 m4 4 l3 3",
                 "1 1 M 9 5 L 2 2 tp 1 2 3 4 5 6 c 1 2 3 4 sc 5 h 4 4 m 3 3 l");
+}
+
+// Commands of all letters but the arc's, with every way to part their numbers and with letters left out where they
+// repeat.
+TEST_F(PathData, RandomCommandsBecomeTheirProgram) {
+  struct Command {
+    char letter;
+    int numbers;
+    const char* name;
+  };
+  constexpr Command kCommands[] = {{'L', 2, "L"},  {'l', 2, "l"},  {'H', 1, "H"}, {'h', 1, "h"},  {'V', 1, "V"},
+                                   {'v', 1, "v"},  {'C', 6, "C"},  {'c', 6, "c"}, {'S', 4, "Sc"}, {'s', 4, "sc"},
+                                   {'T', 2, "Tp"}, {'t', 2, "tp"}, {'Q', 4, "Q"}, {'q', 4, "q"},  {'M', 2, "M"},
+                                   {'m', 2, "m"},  {'z', 0, "Z"}};
+  constexpr const char* kFractions[] = {"", "", ".5", ".25", ".125", ".", ".10"};
+  std::mt19937 random(1);
+  const auto below = [&random](unsigned n) { return static_cast<unsigned>(random()) % n; };
+  for (int path = 0; path < 30; ++path) {
+    std::string d = "M1 2";
+    std::string program = "1 2 M";
+    char last = 'M';
+    for (int i = 0; i < 12; ++i) {
+      const Command& command = kCommands[below(std::size(kCommands))];
+      // Numbers behind a moveto would be lines, and a letter may be left out only behind a blank.
+      const bool leftOut = command.letter == last && command.numbers > 0 && last != 'M' && last != 'm';
+      d += leftOut ? " " : std::string(below(2), ' ') + command.letter + std::string(below(2), ' ');
+      for (int n = 0; n < command.numbers; ++n) {
+        const bool negative = below(3) == 0;
+        const std::string number =
+            (negative ? "-" : "") + std::to_string(below(40)) + kFractions[below(std::size(kFractions))];
+        if (n > 0) {
+          // Behind a pair one separator is taken; a "-" needs none.
+          constexpr const char* kSeparators[] = {" ", ",", ", ", " ,", "  "};
+          d += negative && below(2) == 0 ? "" : kSeparators[below(n % 2 == 1 ? 5 : 2)];
+        }
+        d += number;
+        program += ' ' + number;
+      }
+      program += std::string(" ") + command.name;
+      last = command.letter;
+    }
+    ExpectProgram(d, program);
+  }
 }
 
 TEST_F(PathData, CommandsNeedNoSeparators) {
