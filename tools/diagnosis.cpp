@@ -21,6 +21,7 @@ struct Findings {
   bool doctype = false;
   bool rootHasContent = false;
   std::string error;  // the first, with its line
+  BlankedDoctype blanked;
 };
 
 Findings& FindingsOf(void* context) {
@@ -38,7 +39,8 @@ void NoteError(void* context, xmlErrorPtr error) {
   std::string message = error->message == nullptr ? "not well-formed" : error->message;
   std::replace(message.begin(), message.end(), '\n', ' ');
   while (!message.empty() && message.back() == ' ') message.pop_back();
-  findings.error = "line " + std::to_string(error->line) + ": " + message;
+  const int line = error->line + (error->line > findings.blanked.line ? findings.blanked.lostLines : 0);
+  findings.error = "line " + std::to_string(line) + ": " + message;
 }
 
 xmlSAXHandler Handler() {
@@ -80,7 +82,7 @@ struct ParserDeleter {
 };
 
 // What is wrong with the text that the filter gives to the parser; empty when nothing is.
-std::string DiagnoseText(const std::string& text) {
+std::string DiagnoseText(const std::string& text, const BlankedDoctype& blanked) {
   if (MostAttributes(text) > kMaxAttributes) {
     return "an element has more than " + std::to_string(kMaxAttributes) + " attributes";
   }
@@ -90,6 +92,7 @@ std::string DiagnoseText(const std::string& text) {
   if (parser == nullptr) return "the text cannot be given to the parser";
   Findings findings;
   findings.parser = parser.get();
+  findings.blanked = blanked;
   parser->_private = &findings;
   xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
   *parser->sax = Handler();
@@ -118,10 +121,10 @@ std::string DiagnoseDocument(const std::string& file) {
   const std::size_t nul = bytes->find('\0');
   const bool cut = nul != bytes->npos;
   if (cut) bytes->resize(nul);
-  const bool subset = BlankDoctype(*bytes).subset;
-  reason = DiagnoseText(*bytes);
+  const BlankedDoctype blanked = BlankDoctype(*bytes);
+  reason = DiagnoseText(*bytes, blanked);
   if (reason.empty()) return "the filter refused the document";
-  if (subset) return "the DOCTYPE has an internal subset, which is not read (" + reason + ")";
+  if (blanked.subset) return "the DOCTYPE has an internal subset, which is not read (" + reason + ")";
   if (cut) return "a NUL byte at offset " + std::to_string(nul) + " ends the text (" + reason + ")";
   return reason;
 }

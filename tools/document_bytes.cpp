@@ -47,9 +47,14 @@ BlankedDoctype BlankDoctype(std::string& text) {
   const std::size_t start = before == text.npos ? word : before;
   const std::size_t end = std::min(text.find('>', word), text.size());
   const bool subset = text.find('[', word) < end;
+  const auto countLines = [&](std::size_t from, std::size_t to) {
+    return static_cast<int>(std::count(text.data() + from, text.data() + to, '\n'));
+  };
+  const int line = 1 + countLines(0, start);
+  const int lostLines = countLines(start, end) - 1;
   for (std::size_t i = start; i < end; ++i) text[i] = ' ';
   if (end < text.size()) text[end] = '\n';
-  return {start, std::min(end + 1, text.size()), subset};
+  return {start, std::min(end + 1, text.size()), subset, line, lostLines};
 }
 
 int MostAttributes(std::string_view text) {

@@ -13,6 +13,8 @@ std::optional<std::string> ReadDocumentBytes(const std::string& file, std::strin
 struct BlankedDoctype {
   std::size_t begin = 0, end = 0;
   bool subset = false;  // a subset began in front of the `>` at which the blanking ends
+  int line = 0;         // where it begins
+  int lostLines = 0;    // what the blanking took off the number of each line behind it; -1 where it added one
 };
 
 // Overwrites the first DOCTYPE up to its first `>`, as the filter does.

@@ -40,7 +40,8 @@ bool Survey::CheckPaintReference(const SvgNode& node, std::string_view rest, int
     return false;
   }
   if (first) CheckGradient(*found);
-  if (!context.matrix.IsIdentity()) Report(Loss("gradient-under-transform"), node, line);
+  if (!context.matrix.IsIdentity() && !boxed_.contains(found->node))
+    Report(Loss("gradient-under-transform"), node, line);
   return transparent_.contains(found->node);
 }
 
@@ -100,6 +101,7 @@ void Survey::CheckGradient(const Definition& gradient) {
   const SvgAttribute* units = meant("gradientUnits");
   if (units == nullptr || Trimmed(units->value) != "userSpaceOnUse") {
     Report(Loss("gradient-bounding-box"), node, node.line);
+    boxed_.insert(&node);
   } else {
     if (!missing.empty()) Report(Loss("gradient-default-coordinate"), node, node.line, missing);
     CheckLengths(node, coordinates);

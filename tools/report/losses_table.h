@@ -111,7 +111,7 @@ inline constexpr LossKind kLosses[] = {
     {"opacity-with-transparent-stops", kLost, "{detail} is dropped, as the gradient has transparent stops", {}, {}},
     {"opacity-nested",
      kChanged,
-     "{detail} replaces the opacity of the group around, which is restored wrongly",
+     "{detail} replaces the opacity of the group around and is not multiplied with it",
      {},
      {}},
     {"group-opacity", kChanged, "{detail} is given to each shape of the group and not to the whole", {}, {}},

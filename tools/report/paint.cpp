@@ -44,7 +44,7 @@ std::string Shown(PropertyId id, const StatedProperty& stated) {
 
 bool IsHarmless(PropertyId id, std::string_view value) {
   if (id == kDisplay) return value != "none";
-  return value == "inherit" || ListHas(kProperties[id].harmless, value);
+  return value == "inherit" || ListHasValue(kProperties[id].harmless, value);
 }
 
 // From 0 to 1 as the filter reads it: of a percentage the bare number.
@@ -105,6 +105,8 @@ void Survey::CheckUnread(const SvgNode& node, const StatedProperties& own, const
       if (stated.inStyle) Report(Loss("clip-path-in-style"), node, stated.line, Shown(id, stated));
       continue;
     }
+    // The stroke gets the opacity of the fill.
+    if (id == kStrokeOpacity && ListHasValue(own[kFillOpacity].value, stated.value)) continue;
     if (id >= kFirstUnread) {
       Report(LossOfProperty(property.name), node, stated.line, Shown(id, stated));
       continue;
@@ -284,7 +286,8 @@ bool Survey::CheckOpacity(const SvgNode& node, const ReadStyle& style, const Con
   // The attribute of a group comes behind its style.
   const bool replaced = whole && fill && !(node.name == "g" && attribute != nullptr);
   if (replaced) Report(Loss("opacity-replaced"), node, line, shown);
-  if (filled && strokePainted) Report(Loss("fill-opacity-on-stroke"), node, fillLine, shownFill);
+  const bool strokeAlike = ListHasValue(fillValue, ReadProperties(node)[kStrokeOpacity].value);
+  if (filled && strokePainted && !strokeAlike) Report(Loss("fill-opacity-on-stroke"), node, fillLine, shownFill);
   const bool read = filled || (whole && !replaced);
   if (read && context.opacity) {
     const bool byWhole = whole && !replaced;

@@ -34,10 +34,7 @@ std::vector<Finding> FindingsOfRefused(const std::string& file, const std::strin
   std::string text = bytes;
   const BlankedDoctype doctype = BlankDoctype(text);
   if (doctype.subset) {
-    add(Loss("doctype-subset"),
-        1 + static_cast<int>(
-                std::count(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(doctype.begin), '\n')),
-        {});
+    add(Loss("doctype-subset"), doctype.line, {});
   }
   add(Loss("not-imported"), LineOfReason(reason), reason);
   std::stable_sort(findings.begin(), findings.end(),

@@ -154,11 +154,12 @@ class Survey {
   DefinitionTable clips_, gradients_, patterns_;
   std::unordered_set<const SvgNode*> recorded_, entered_;
   std::unordered_set<const SvgNode*> stopOwners_, transparentOwners_;  // what gradients link to
-  std::unordered_set<const SvgNode*> transparent_;                     // gradients with transparent stops
-  std::unordered_map<std::string, const SvgNode*> byId_;               // as SVG finds them
-  std::unordered_set<std::string> referenced_;                         // ids that something refers to
-  std::unordered_set<std::string> styledClasses_;                      // classes that a style sheet of the file names
-  bool unknownStyleSheet_ = false;                                     // there is one outside the file
+  std::unordered_set<const SvgNode*> boxed_;              // gradients whose coordinates follow the shape's box
+  std::unordered_set<const SvgNode*> transparent_;        // gradients with transparent stops
+  std::unordered_map<std::string, const SvgNode*> byId_;  // as SVG finds them
+  std::unordered_set<std::string> referenced_;            // ids that something refers to
+  std::unordered_set<std::string> styledClasses_;         // classes that a style sheet of the file names
+  bool unknownStyleSheet_ = false;                        // there is one outside the file
 
   // What elements leave for later ones.
   std::string_view fontSize_;

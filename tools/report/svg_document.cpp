@@ -3,6 +3,7 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <algorithm>
+#include <charconv>
 #include <memory>
 
 #include "filter_limits.h"
@@ -29,20 +30,50 @@ std::string FileBytes(std::string_view parsed) {
   return headless::NarrowFromText(headless::TextFromUtf8(parsed)).value_or(std::string(parsed));
 }
 
+// An attribute's value as the filter has it: line ends become line feeds, and nothing else becomes a blank.
+std::string ValueOf(std::string_view written) {
+  std::string value;
+  value.reserve(written.size());
+  for (std::size_t at = 0; at < written.size(); ++at) {
+    const char c = written[at];
+    const std::size_t end = c == '&' ? written.find(';', at) : written.npos;
+    if (c == '\r') {
+      if (at + 1 >= written.size() || written[at + 1] != '\n') value.push_back('\n');
+    } else if (end == written.npos) {
+      value.push_back(c);
+    } else {
+      const std::string_view name = written.substr(at + 1, end - at - 1);
+      if (name.starts_with('#')) {
+        const bool hexadecimal = name.size() > 1 && name[1] == 'x';
+        std::uint32_t unit = 0;
+        std::from_chars(name.data() + (hexadecimal ? 2 : 1), name.data() + name.size(), unit, hexadecimal ? 16 : 10);
+        std::u16string text;
+        if (unit > 0xFFFF) text.push_back(static_cast<char16_t>(0xD7C0 + (unit >> 10)));
+        text.push_back(static_cast<char16_t>(unit > 0xFFFF ? 0xDC00 + (unit & 0x3FF) : unit));
+        headless::AppendUtf8(text, value);
+      } else {
+        value.push_back(name == "lt" ? '<' : name == "gt" ? '>' : name == "amp" ? '&' : name == "quot" ? '"' : '\'');
+      }
+      at = end;
+    }
+  }
+  return value;
+}
+
 // Walks along the start tags of a well-formed text beside the parser, which knows the line of a tag's end only.
 class TagScanner {
  public:
   TagScanner(std::string_view text, std::string_view original) : text_(text), original_(original) {}
 
-  struct Name {
-    std::string_view text;
+  struct Attribute {
+    std::string_view name, value;  // as they are written
     int line;
   };
 
   // Goes to the next start tag.
   void Next() {
-    names.clear();
-    nextName = 0;
+    attributes_.clear();
+    nextAttribute_ = 0;
     while (true) {
       GoTo(text_.find('<', at_));
       if (at_ >= text_.size()) return;
@@ -65,19 +96,18 @@ class TagScanner {
     end = at_;
   }
 
+  // The one of this name. The parser hands the attributes over in their order, with the namespace declarations left
+  // out.
+  Attribute Find(std::string_view name) {
+    while (nextAttribute_ < attributes_.size()) {
+      const Attribute& attribute = attributes_[nextAttribute_++];
+      if (attribute.name == name) return attribute;
+    }
+    return {name, {}, line};
+  }
+
   std::size_t begin = 0, end = 0;
   int line = 1;
-  std::vector<Name> names;  // the attributes of the tag
-  std::size_t nextName = 0;
-
-  // The parser hands the attributes over in their order, with the namespace declarations left out.
-  int LineOf(std::string_view attribute) {
-    while (nextName < names.size()) {
-      const Name& name = names[nextName++];
-      if (name.text == attribute) return name.line;
-    }
-    return line;
-  }
 
  private:
   static bool IsSpace(char c) { return kWhiteSpace.find(c) != kWhiteSpace.npos; }
@@ -109,10 +139,11 @@ class TagScanner {
       const std::size_t nameBegin = at_;
       const int nameLine = line_;
       while (at_ < text_.size() && !IsSpace(text_[at_]) && text_[at_] != '=' && text_[at_] != '>') GoTo(at_ + 1);
-      names.push_back({text_.substr(nameBegin, at_ - nameBegin), nameLine});
+      const std::string_view name = text_.substr(nameBegin, at_ - nameBegin);
       while (at_ < text_.size() && (IsSpace(text_[at_]) || text_[at_] == '=')) GoTo(at_ + 1);
       if (at_ < text_.size() && (text_[at_] == '"' || text_[at_] == '\'')) {
         const std::size_t quote = text_.find(text_[at_], at_ + 1);
+        attributes_.push_back({name, text_.substr(at_ + 1, quote - at_ - 1), nameLine});
         GoTo(quote == text_.npos ? text_.size() : quote + 1);
       } else {
         return;
@@ -121,6 +152,8 @@ class TagScanner {
   }
 
   std::string_view text_, original_;
+  std::vector<Attribute> attributes_;  // of the tag
+  std::size_t nextAttribute_ = 0;
   std::size_t at_ = 0;
   int line_ = 1;
 };
@@ -183,8 +216,9 @@ void StartElement(void* context, const xmlChar* name, const xmlChar*, const xmlC
     SvgAttribute attribute;
     attribute.name =
         one[1] == nullptr ? std::string(View(one[0])) : std::string(View(one[1])) + ":" + std::string(View(one[0]));
-    attribute.value = FileBytes({reinterpret_cast<const char*>(one[3]), static_cast<std::size_t>(one[4] - one[3])});
-    attribute.line = builder.scanner.LineOf(attribute.name);
+    const TagScanner::Attribute written = builder.scanner.Find(attribute.name);
+    attribute.value = ValueOf(written.value);
+    attribute.line = written.line;
     if (View(one[0]) == "space" && View(one[2]) == kXmlNamespace) node.preserve = attribute.value == "preserve";
     node.attributes.push_back(std::move(attribute));
   }

@@ -85,6 +85,19 @@ bool ListHas(std::string_view list, std::string_view word) {
   return false;
 }
 
+bool ListHasValue(std::string_view list, std::string_view value) {
+  const auto plain = [](std::string_view text) -> std::optional<double> {
+    if (text.ends_with("px")) text.remove_suffix(2);
+    const auto number = NumberAt(text);
+    return number && number->end == text.size() ? std::optional(number->value) : std::nullopt;
+  };
+  if (ListHas(list, value)) return true;
+  const auto number = plain(value);
+  bool found = false;
+  ForEachWord(list, [&](std::string_view word) { found = found || (number && plain(word) == number); });
+  return found;
+}
+
 std::optional<ReadNumber> NumberAt(std::string_view text, std::size_t at) {
   while (at < text.size() && IsSpace(text[at])) ++at;
   const std::size_t sign = at < text.size() && text[at] == '+' ? 1 : 0;

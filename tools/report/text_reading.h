@@ -15,6 +15,8 @@ std::string_view Trimmed(std::string_view text);
 std::string InQuotes(std::string_view text);
 // `word` is one of the words of `list`, which stand with a blank between them.
 bool ListHas(std::string_view list, std::string_view word);
+// The same for values: numbers are alike when they are equal, and px changes nothing.
+bool ListHasValue(std::string_view list, std::string_view value);
 
 // For each word of such a list, in its order.
 template <typename Action>

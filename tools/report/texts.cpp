@@ -249,7 +249,7 @@ void Survey::CheckSpans(const SvgNode& node, const SvgNode& text, const StatedPr
       }
       const std::string_view value = stated[id].value, around = Effective(own, context, id);
       if (value.empty() || value == "inherit" || WithoutPixels(value) == WithoutPixels(around)) continue;
-      if (id == kDisplay ? value != "none" : around.empty() && ListHas(property.harmless, value)) continue;
+      if (id == kDisplay ? value != "none" : around.empty() && ListHasValue(property.harmless, value)) continue;
       if (id == kFill && ListHas(kBlack, value) && (around.empty() || ListHas(kBlack, around))) continue;
       if (id == kStroke && value == "none" && around.empty()) continue;
       if (id == kTextAnchor && around.empty() && value == "start") continue;
