@@ -1,90 +1,18 @@
 #include "tools/diagnosis.h"
 
-#include <fcntl.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 #include "filter_limits.h"
 #include "headless_host/text.h"
+#include "tools/document_bytes.h"
 
 namespace {
-
-std::string Errno() { return std::strerror(errno); }
-
-// The bytes of the file, or nothing and why.
-std::optional<std::string> ReadFile(const std::string& file, std::string& reason) {
-  const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor < 0) {
-    reason = errno == ENOENT ? "the file does not exist" : Errno();
-    return std::nullopt;
-  }
-  std::optional<std::string> bytes;
-  struct stat status;
-  if (fstat(descriptor, &status) != 0) {
-    reason = Errno();
-  } else if (S_ISDIR(status.st_mode)) {
-    reason = "it is a directory";
-  } else if (!S_ISREG(status.st_mode)) {
-    reason = "it is not a regular file";
-  } else if (static_cast<std::uint64_t>(status.st_size) > kMaxDocumentBytes) {
-    reason = "the file is longer than 2 GiB";
-  } else {
-    bytes.emplace(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t filled = 0;
-    ssize_t got = 1;
-    while (got > 0 && filled < bytes->size()) {
-      got = read(descriptor, bytes->data() + filled, bytes->size() - filled);
-      if (got > 0) filled += static_cast<std::size_t>(got);
-    }
-    bytes->resize(filled);
-  }
-  close(descriptor);
-  return bytes;
-}
-
-// Overwrites the first DOCTYPE up to its first `>`, as the filter does. True when a subset began in front of that.
-bool BlankDoctype(std::string& text) {
-  const std::size_t word = text.find("!DOCTYPE");
-  if (word == text.npos) return false;
-  const std::size_t start = text.rfind('<', word);
-  const std::size_t end = std::min(text.find('>', word), text.size());
-  const bool subset = text.find('[', word) < end;
-  for (std::size_t i = start == text.npos ? word : start; i < end; ++i) text[i] = ' ';
-  if (end < text.size()) text[end] = '\n';
-  return subset;
-}
-
-// The most attributes that one tag may have, by a rough look: the `=` outside quotes.
-int MostAttributes(std::string_view text) {
-  int most = 0;
-  for (std::size_t at = text.find('<'); at != text.npos; at = text.find('<', at + 1)) {
-    if (at + 1 < text.size() && (text[at + 1] == '!' || text[at + 1] == '?')) continue;
-    int count = 0;
-    char quote = 0;
-    for (std::size_t i = at + 1; i < text.size() && text[i] != '<'; ++i) {
-      if (quote != 0) {
-        if (text[i] == quote) quote = 0;
-      } else if (text[i] == '"' || text[i] == '\'') {
-        quote = text[i];
-      } else if (text[i] == '=') {
-        ++count;
-      } else if (text[i] == '>') {
-        break;
-      }
-    }
-    most = std::max(most, count);
-  }
-  return most;
-}
 
 struct Findings {
   xmlParserCtxtPtr parser = nullptr;
@@ -93,6 +21,7 @@ struct Findings {
   bool doctype = false;
   bool rootHasContent = false;
   std::string error;  // the first, with its line
+  BlankedDoctype blanked;
 };
 
 Findings& FindingsOf(void* context) {
@@ -110,7 +39,8 @@ void NoteError(void* context, xmlErrorPtr error) {
   std::string message = error->message == nullptr ? "not well-formed" : error->message;
   std::replace(message.begin(), message.end(), '\n', ' ');
   while (!message.empty() && message.back() == ' ') message.pop_back();
-  findings.error = "line " + std::to_string(error->line) + ": " + message;
+  const int line = error->line + (error->line > findings.blanked.line ? findings.blanked.lostLines : 0);
+  findings.error = "line " + std::to_string(line) + ": " + message;
 }
 
 xmlSAXHandler Handler() {
@@ -152,7 +82,7 @@ struct ParserDeleter {
 };
 
 // What is wrong with the text that the filter gives to the parser; empty when nothing is.
-std::string DiagnoseText(const std::string& text) {
+std::string DiagnoseText(const std::string& text, const BlankedDoctype& blanked) {
   if (MostAttributes(text) > kMaxAttributes) {
     return "an element has more than " + std::to_string(kMaxAttributes) + " attributes";
   }
@@ -162,6 +92,7 @@ std::string DiagnoseText(const std::string& text) {
   if (parser == nullptr) return "the text cannot be given to the parser";
   Findings findings;
   findings.parser = parser.get();
+  findings.blanked = blanked;
   parser->_private = &findings;
   xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
   *parser->sax = Handler();
@@ -180,7 +111,7 @@ std::string DiagnoseText(const std::string& text) {
 
 std::string DiagnoseDocument(const std::string& file) {
   std::string reason;
-  std::optional<std::string> bytes = ReadFile(file, reason);
+  std::optional<std::string> bytes = ReadDocumentBytes(file, reason);
   if (!bytes) return reason;
   if (bytes->empty()) return "the file is empty";
   if (bytes->starts_with("\xFF\xFE") || bytes->starts_with("\xFE\xFF")) return "the text is UTF-16, which is not read";
@@ -190,10 +121,10 @@ std::string DiagnoseDocument(const std::string& file) {
   const std::size_t nul = bytes->find('\0');
   const bool cut = nul != bytes->npos;
   if (cut) bytes->resize(nul);
-  const bool subset = BlankDoctype(*bytes);
-  reason = DiagnoseText(*bytes);
+  const BlankedDoctype blanked = BlankDoctype(*bytes);
+  reason = DiagnoseText(*bytes, blanked);
   if (reason.empty()) return "the filter refused the document";
-  if (subset) return "the DOCTYPE has an internal subset, which is not read (" + reason + ")";
+  if (blanked.subset) return "the DOCTYPE has an internal subset, which is not read (" + reason + ")";
   if (cut) return "a NUL byte at offset " + std::to_string(nul) + " ends the text (" + reason + ")";
   return reason;
 }
