@@ -16,5 +16,11 @@ int main(int argc, char** argv) {
   app.footer("Examples:\n  svgimport dump drawing.svg\n  svgimport dump --help");
   int status = kExitDone;
   AddDumpCommand(app, status);
-  return ParseArguments(app, argc, argv).value_or(status);
+  status = ParseArguments(app, argc, argv).value_or(status);
+  if (status > kExitSignal) {
+    // Whoever started the tool is to see that the signal ended it: a shell then ends its loop.
+    std::signal(status - kExitSignal, SIG_DFL);
+    std::raise(status - kExitSignal);
+  }
+  return status;
 }
