@@ -67,17 +67,17 @@ void Complain(const std::string& shownName, const std::string& text) {
 }  // namespace
 
 void AddLimitOptions(CLI::App& command, Limits& limits) {
+  const CLI::Validator notNegative = CLI::Validator(CLI::NonNegativeNumber).description("");
   AddNumberOption(
       command, "--time-limit", limits.seconds,
       "Ends an import that takes longer; 0 is no limit; the time in which nobody reads standard output does "
       "not count")
       ->type_name("SECONDS")
       ->default_str(Shown(limits.seconds))
-      ->check([](const std::string& text) {
-        return text.starts_with('-') ? "'" + text + "' is less than 0" : std::string();
-      });
+      ->check(notNegative);
   command.add_option("--memory-limit", limits.megabytes, "Ends an import that needs more address space; 0 is no limit")
       ->type_name("MB")
+      ->check(notNegative)
       ->capture_default_str();
 }
 

@@ -17,6 +17,9 @@
 
 namespace {
 
+// How the filter says that a document did not fit into memory.
+constexpr const char* kNoMemoryStatus = "status 0x8007000E";
+
 HostFontMode FontModeNamed(const std::string& name) {
   if (name == "system") return HostFontMode::kSystem;
   return name == "none" ? HostFontMode::kNone : HostFontMode::kAny;
@@ -138,8 +141,13 @@ int ImportedDocument::Import(const std::function<void(const ImportCommand&)>& ta
     } catch (const std::bad_alloc&) {
       outOfMemory = true;
     } catch (const std::exception& error) {
+      const std::string text = error.what();
+      if (text.ends_with(kNoMemoryStatus)) {
+        outOfMemory = true;
+        return;
+      }
       status = kExitError;
-      tell(status, error.what());
+      tell(status, text);
     }
   };
   withoutErrors([&] {
