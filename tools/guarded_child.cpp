@@ -67,7 +67,9 @@ void Complain(const std::string& shownName, const std::string& text) {
 }  // namespace
 
 void AddLimitOptions(CLI::App& command, Limits& limits) {
-  const CLI::Validator notNegative = CLI::Validator(CLI::NonNegativeNumber).description("");
+  const auto notNegative = [](const std::string& text) {
+    return text.starts_with('-') ? "'" + text + "' is less than 0" : std::string();
+  };
   AddNumberOption(
       command, "--time-limit", limits.seconds,
       "Ends an import that takes longer; 0 is no limit; the time in which nobody reads standard output does "
