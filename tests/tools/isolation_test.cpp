@@ -1,6 +1,7 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include "headless_host/sanitizer.h"
@@ -82,6 +83,19 @@ TEST_F(Isolation, LimitsMustBeNumbersThatAreNotNegative) {
                                                     {"--memory-limit", "much"}}) {
     EXPECT_EQ(DumpNamed("good.svg", arguments).status, 2) << testing::PrintToString(arguments);
   }
+}
+
+TEST_F(Isolation, TheTimeInWhichNobodyReadsDoesNotCount) {
+  // More than a pipe holds.
+  std::string drawing = "<svg height=\"100\">";
+  for (int i = 0; i < 500; ++i) drawing += "<rect x=\"1\" y=\"2\" width=\"3\" height=\"4\"/>";
+  WriteText(folder.File("long.svg"), drawing + "</svg>");
+  const std::string expected = Run("svgimport", {"dump", "long.svg"}).out;
+  ASSERT_GT(expected.size(), std::size_t{1} << 17);
+  const std::string command = "cd '" + folder.Path() + "' && '" + SVGIMPORT_BIN_DIR +
+                              "/svgimport' dump --time-limit 1 long.svg | (sleep 1.5; cat) > read";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(ReadText(folder.File("read")), expected);
 }
 
 TEST_F(Isolation, ASignalEndsTheImportAndTheToolAndLeavesNothing) {

@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr unsigned kMostJobs = 1024;
+constexpr unsigned kMostJobs = 256;
 
 struct BatchOptions {
   BatchJobOptions job;

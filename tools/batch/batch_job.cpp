@@ -183,7 +183,7 @@ BatchResult BatchJob::TakeResult() {
     } else if (child_.Status() == kExitNotImported) {
       result_.status = BatchResult::kRefused;
     }
-    if (result_.status == BatchResult::kFailed) result_.printed = printed_.Text();
+    result_.printed = printed_.Text();
   }
   if (result_.status != BatchResult::kAccepted) {
     RemovePart();

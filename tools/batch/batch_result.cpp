@@ -80,8 +80,8 @@ bool ResultFile::Open(const std::string& name, bool resume, std::string& failure
     stream_ = stdout;
     return true;
   }
-  const int descriptor = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | (resume ? 0 : O_TRUNC), 0666);
-  if (descriptor >= 0) stream_ = fdopen(descriptor, "r+");
+  const int descriptor = open(name.c_str(), O_CREAT | O_CLOEXEC | (resume ? O_RDWR : O_WRONLY | O_TRUNC), 0666);
+  if (descriptor >= 0) stream_ = fdopen(descriptor, resume ? "r+" : "w");
   if (stream_ == nullptr) {
     failure = std::strerror(errno);
     if (descriptor >= 0) close(descriptor);

@@ -20,7 +20,7 @@ struct BatchResult {
   double seconds = 0.0;                           // of wall clock
   std::uint64_t bytes = 0;                        // of the document
   std::string dump;                               // where the stream was written, if it was
-  std::string printed;                            // what a failed import printed
+  std::string printed;                            // what the filter printed, cut at 64 KB; nothing, as a rule
 };
 
 inline constexpr std::size_t kBatchStatusCount = 3;
