@@ -336,7 +336,7 @@ TEST_F(Batch, WrongArgumentsAreStatus2) {
   const std::vector<std::vector<std::string>> wrong = {
       {"--no-such-option", "a.svg"},  {"-j", "0", "a.svg"},
       {"-j", "many", "a.svg"},        {"-j", "-1", "a.svg"},
-      {"-j", "257", "a.svg"},        {"--resume", "a.svg"},
+      {"-j", "257", "a.svg"},         {"--resume", "a.svg"},
       {"-o", "missing/out", "a.svg"}, {"--time-limit", "-1", "a.svg"},
       {"--fonts", "some", "a.svg"},   {"--filter", "missing.so", "a.svg"},
   };

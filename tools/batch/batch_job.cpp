@@ -5,12 +5,14 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "headless_host/headless_host.h"
 #include "headless_host/text.h"

@@ -48,6 +48,16 @@ std::string BatchResultLine(const BatchResult& result) {
     writer.Key(key);
     WriteBytes(writer, bytes);
   };
+  const auto counts = [&](const char* key, const std::map<std::string, std::uint64_t>& numbers) {
+    if (numbers.empty()) return;
+    writer.Key(key);
+    writer.StartObject();
+    for (const auto& [name, count] : numbers) {
+      writer.Key(name.c_str());
+      writer.Uint64(count);
+    }
+    writer.EndObject();
+  };
   writer.StartObject();
   text("file", result.file);
   text("status", BatchStatusName(result.status));
@@ -58,15 +68,7 @@ std::string BatchResultLine(const BatchResult& result) {
   WriteNumber(writer, std::round(result.seconds * 1e6) / 1e6);
   writer.Key("bytes");
   writer.Uint64(result.bytes);
-  if (!result.commands.empty()) {
-    writer.Key("commands");
-    writer.StartObject();
-    for (const auto& [name, count] : result.commands) {
-      writer.Key(name.c_str());
-      writer.Uint64(count);
-    }
-    writer.EndObject();
-  }
+  counts("commands", result.commands);
   text("dump", result.dump);
   text("printed", result.printed);
   writer.EndObject();

@@ -1,7 +1,6 @@
 #include "tools/batch/batch_summary.h"
 
 #include <algorithm>
-#include <cctype>
 #include <numeric>
 
 namespace {
@@ -22,6 +21,18 @@ std::string WithoutNumbers(const std::string& reason) {
     }
   }
   return text;
+}
+
+unsigned long long Printable(std::uint64_t number) { return number; }
+
+void PrintMostFrequent(std::FILE* out, const char* title, const std::map<std::string, std::uint64_t>& counts) {
+  if (counts.empty()) return;
+  std::vector<std::pair<std::uint64_t, std::string>> sorted;
+  for (const auto& [name, count] : counts) sorted.emplace_back(count, name);
+  std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+  if (sorted.size() > kShownReasons) sorted.resize(kShownReasons);
+  std::fprintf(out, "%s\n", title);
+  for (const auto& [count, name] : sorted) std::fprintf(out, "  %9llu    %s\n", Printable(count), name.c_str());
 }
 
 }  // namespace
@@ -46,24 +57,18 @@ void BatchSummary::Add(const BatchResult& result) {
 std::uint64_t BatchSummary::Files() const { return std::accumulate(counts_.begin(), counts_.end(), std::uint64_t{0}); }
 
 void BatchSummary::Print(std::FILE* out, double seconds, unsigned jobs, std::uint64_t skipped) const {
-  const auto number = [](std::uint64_t n) { return static_cast<unsigned long long>(n); };
-  std::fprintf(out, "%llu files in %.1f s, %.1f files/s, %u at a time\n", number(Files()), seconds,
+  std::fprintf(out, "%llu files in %.1f s, %.1f files/s, %u at a time\n", Printable(Files()), seconds,
                seconds > 0.0 ? static_cast<double>(Files()) / seconds : 0.0, jobs);
   for (std::size_t i = 0; i < kBatchStatusCount; ++i) {
-    std::fprintf(out, "  %-9s %10llu\n", BatchStatusName(static_cast<BatchResult::Status>(i)), number(counts_[i]));
+    std::fprintf(out, "  %-9s %10llu\n", BatchStatusName(static_cast<BatchResult::Status>(i)), Printable(counts_[i]));
   }
-  if (skipped > 0) std::fprintf(out, "  %-9s %10llu\n", "skipped", number(skipped));
-  std::fprintf(out, "  %-9s %10llu\n", "records", number(records_));
+  if (skipped > 0) std::fprintf(out, "  %-9s %10llu\n", "skipped", Printable(skipped));
+  std::fprintf(out, "  %-9s %10llu\n", "records", Printable(records_));
 
   if (!slowest_.empty()) std::fputs("slowest files\n", out);
   for (const auto& [time, file] : slowest_) std::fprintf(out, "  %9.3f s  %s\n", time, file.c_str());
 
-  std::vector<std::pair<std::uint64_t, std::string>> reasons;
-  for (const auto& [reason, count] : refusals_) reasons.emplace_back(count, reason);
-  std::stable_sort(reasons.begin(), reasons.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
-  if (reasons.size() > kShownReasons) reasons.resize(kShownReasons);
-  if (!reasons.empty()) std::fputs("most frequent reasons of refusal\n", out);
-  for (const auto& [count, reason] : reasons) std::fprintf(out, "  %9llu    %s\n", number(count), reason.c_str());
+  PrintMostFrequent(out, "most frequent reasons of refusal", refusals_);
 
   if (!failed_.empty())
     std::fputs(counts_[BatchResult::kFailed] > failed_.size() ? "first failures\n" : "failures\n", out);
