@@ -7,6 +7,7 @@
 #include <string>
 
 #include "headless_host/headless_host.h"
+#include "tools/guarded_child.h"
 #include "tools/import_document.h"
 #include "tools/option_values.h"
 #include "tools/output_file.h"
@@ -16,28 +17,14 @@ namespace {
 
 struct DumpOptions {
   ImportOptions import;
+  Limits limits;
   std::string output = "-";
   std::string hostCalls;
   bool freshNames = false;
 };
 
-int Dump(const DumpOptions& options) {
-  OutputFile output;
-  if (!output.Open(options.output)) {
-    Complain(options.output + ": " + std::strerror(errno));
-    return kExitUsage;
-  }
-  std::unique_ptr<OutputFile> calls;
-  if (!options.hostCalls.empty() && options.hostCalls != options.output) {
-    calls = std::make_unique<OutputFile>();
-    if (!calls->Open(options.hostCalls)) {
-      Complain(options.hostCalls + ": " + std::strerror(errno));
-      return kExitUsage;
-    }
-  }
-
-  const ImportedDocument document(options.import);
-  if (document.Status() != kExitDone) return document.Status();
+// Imports the document into the open files, `calls` being null where the calls go nowhere or among the records.
+int WriteRecords(const DumpOptions& options, const ImportedDocument& document, OutputFile& output, OutputFile* calls) {
   document.PrepareHost();
   HideGeneratedNames(!options.freshNames);
   if (!options.hostCalls.empty()) StartJournal((calls != nullptr ? *calls : output).Stream());
@@ -48,12 +35,32 @@ int Dump(const DumpOptions& options) {
   });
   StopJournal();
 
-  for (OutputFile* file : {&output, calls.get()}) {
+  for (OutputFile* file : {&output, calls}) {
     if (file == nullptr || file->Close()) continue;
     Complain(file->Name() + ": " + std::strerror(errno));
     if (status == kExitDone) status = kExitNotImported;
   }
   return status;
+}
+
+int Dump(const DumpOptions& options) {
+  OutputFile output;
+  if (!output.Open(options.output, _IOLBF)) {
+    Complain(options.output + ": " + std::strerror(errno));
+    return kExitUsage;
+  }
+  std::unique_ptr<OutputFile> calls;
+  if (!options.hostCalls.empty() && options.hostCalls != options.output) {
+    calls = std::make_unique<OutputFile>();
+    if (!calls->Open(options.hostCalls, _IOLBF)) {
+      Complain(options.hostCalls + ": " + std::strerror(errno));
+      return kExitUsage;
+    }
+  }
+  const ImportedDocument document(options.import);
+  if (document.Status() != kExitDone) return document.Status();
+  return RunGuarded(options.limits, document.ShownName(),
+                    [&] { return WriteRecords(options, document, output, calls.get()); });
 }
 
 }  // namespace
@@ -71,9 +78,10 @@ void AddDumpCommand(CLI::App& app, int& status) {
       ->type_name("FILE");
   dump->add_flag("--fresh-names", options->freshNames,
                  "Prints the names of temporary files as they are; without it their random part is XXXXXX");
+  AddLimitOptions(*dump, options->limits);
   dump->footer(
-      "Exit status: 0 imported, 1 not imported or not written, 2 wrong arguments or files, 3 an error left the "
-      "filter.\n\n"
+      "The import runs in a process of its own. Exit status: 0 imported, 1 not imported or not written, 2 wrong "
+      "arguments or files, 3 an error left the filter, or the import crashed or went beyond a limit.\n\n"
       "Examples:\n"
       "  svgimport dump drawing.svg\n"
       "  svgimport dump --set ZENTAL/Units=0 --fonts none drawing.svg -o drawing.jsonl\n"

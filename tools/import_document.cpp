@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <new>
 
 #include "headless_host/headless_host.h"
 #include "headless_host/text.h"
@@ -15,6 +16,9 @@
 #include "tools/option_values.h"
 
 namespace {
+
+// How the filter says that a document did not fit into memory.
+constexpr const char* kNoMemoryStatus = "status 0x8007000E";
 
 HostFontMode FontModeNamed(const std::string& name) {
   if (name == "system") return HostFontMode::kSystem;
@@ -113,32 +117,53 @@ void ImportedDocument::PrepareHost() const {
 }
 
 int ImportedDocument::Import(const std::function<void(const ImportCommand&)>& take) const {
+  return Import(take, [this](int status, const std::string& reason) {
+    if (status == kExitUsage) {
+      Complain(reason);
+    } else {
+      Complain(shownName_ + (status == kExitNotImported ? ": not imported: " : ": ") + reason);
+    }
+  });
+}
+
+int ImportedDocument::Import(const std::function<void(const ImportCommand&)>& take,
+                             const std::function<void(int status, const std::string& reason)>& tell) const {
   const FilterLibrary filter(options_.filter);
   if (!filter.Failure().empty()) {
-    Complain("the filter cannot be loaded: " + filter.Failure());
+    tell(kExitUsage, "the filter cannot be loaded: " + filter.Failure());
     return kExitUsage;
   }
   int status = kExitDone;
-  try {
-    if (filter.checkFile(0, 0, headless::TextFromNativePath(path_).c_str()) != 0) {
-      ImportCommand command;
-      do {
-        command = filter.getImportCommand();
-        take(command);
-      } while (command.key != KEY_ENDF);
-    } else {
-      status = kExitNotImported;
+  bool outOfMemory = false;
+  const auto withoutErrors = [&](const auto& part) {
+    try {
+      part();
+    } catch (const std::bad_alloc&) {
+      outOfMemory = true;
+    } catch (const std::exception& error) {
+      const std::string text = error.what();
+      if (text.ends_with(kNoMemoryStatus)) {
+        outOfMemory = true;
+        return;
+      }
+      status = kExitError;
+      tell(status, text);
     }
-  } catch (const std::exception& error) {
-    Complain(shownName_ + ": " + error.what());
-    status = kExitError;
-  }
-  try {
-    filter.closeFile();
-  } catch (const std::exception& error) {
-    Complain(shownName_ + ": " + error.what());
-    status = kExitError;
-  }
-  if (status == kExitNotImported) Complain(shownName_ + ": not imported: " + DiagnoseDocument(path_));
+  };
+  withoutErrors([&] {
+    if (filter.checkFile(0, 0, headless::TextFromNativePath(path_).c_str()) == 0) {
+      status = kExitNotImported;
+      return;
+    }
+    ImportCommand command;
+    do {
+      command = filter.getImportCommand();
+      take(command);
+    } while (command.key != KEY_ENDF);
+  });
+  withoutErrors([&] { filter.closeFile(); });
+  // An exception of our own: one of the filter's must be gone before the filter is.
+  if (outOfMemory) throw std::bad_alloc();
+  if (status == kExitNotImported) tell(status, DiagnoseDocument(path_));
   return status;
 }

@@ -42,7 +42,11 @@ class ImportedDocument {
 
   // Loads the filter, imports, and hands every record up to KEY_ENDF to `take`, which owns the payload. Answers the
   // exit status; the user has been told of any failure. An error thrown by `take` counts as one of the filter.
+  // Throws std::bad_alloc, with everything closed, when the import runs out of memory; RunGuarded tells the user.
   int Import(const std::function<void(const ImportCommand&)>& take) const;
+  // The same, with failures given to `tell`, as a status and the reason without the document's name, as they come.
+  int Import(const std::function<void(const ImportCommand&)>& take,
+             const std::function<void(int status, const std::string& reason)>& tell) const;
 
  private:
   const ImportOptions& options_;

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 
 #include "headless_host/text.h"
 
@@ -26,4 +27,38 @@ void WriteNumbers(JsonWriter& writer, std::span<const double> numbers) {
 void WriteText(JsonWriter& writer, std::u16string_view text) {
   const std::string utf8 = headless::Utf8FromText(text);
   writer.String(utf8.data(), static_cast<rapidjson::SizeType>(utf8.size()));
+}
+
+std::string JsonOfBytes(std::string_view bytes) {
+  std::string json;
+  const auto escape = [&](unsigned unit) {
+    char digits[8];
+    std::snprintf(digits, sizeof digits, "\\u%04x", unit);
+    json += digits;
+  };
+  for (std::size_t i = 0; i < bytes.size();) {
+    const unsigned char c = static_cast<unsigned char>(bytes[i]);
+    const std::size_t size = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
+    const std::string_view character = bytes.substr(i, size);
+    if (size > 1 && !headless::IsUtf8(character)) {
+      escape(0xDC00u + c);
+      ++i;
+      continue;
+    }
+    if (c == '"' || c == '\\') {
+      json += '\\';
+      json += bytes[i];
+    } else if (c < 0x20 || c == 0x7F) {
+      escape(c);
+    } else {
+      json += character;
+    }
+    i += size;
+  }
+  return json;
+}
+
+void WriteBytes(JsonWriter& writer, std::string_view bytes) {
+  const std::string json = '"' + JsonOfBytes(bytes) + '"';
+  writer.RawValue(json.data(), json.size(), rapidjson::kStringType);
 }

@@ -10,7 +10,8 @@
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitNotImported = 1;  // the filter refused the document, or the output could not be written
 inline constexpr int kExitUsage = 2;        // wrong arguments, or a library or file that they name cannot be opened
-inline constexpr int kExitError = 3;        // an error left an entry point
+inline constexpr int kExitError = 3;     // an error left an entry point, or the import was ended by a limit or a crash
+inline constexpr int kExitSignal = 128;  // plus the number of the signal that is to end the tool
 
 // Adds "--set SECTION/KEY=N", which may be repeated and is checked while the arguments are parsed. The texts go to
 // `settings`, which must live until then.

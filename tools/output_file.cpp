@@ -4,12 +4,12 @@
 
 OutputFile::~OutputFile() { Close(); }
 
-bool OutputFile::Open(const std::string& name) {
+bool OutputFile::Open(const std::string& name, int buffering) {
   name_ = name;
   stream_ = name == "-" ? stdout : std::fopen(name.c_str(), "we");
   if (stream_ == nullptr) return false;
   constexpr std::size_t kBufferBytes = std::size_t{1} << 16;
-  std::setvbuf(stream_, nullptr, _IOFBF, kBufferBytes);
+  std::setvbuf(stream_, nullptr, buffering, kBufferBytes);
   return true;
 }
 

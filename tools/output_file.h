@@ -12,8 +12,9 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Creates or truncates the file; "-" is standard output. False on failure, with errno set.
-  bool Open(const std::string& name);
+  // Creates or truncates the file; "-" is standard output. False on failure, with errno set. With `buffering` _IOLBF
+  // every line is written as it ends, so that none is lost in a crash.
+  bool Open(const std::string& name, int buffering = _IOFBF);
   void WriteLine(std::string_view line);
   // Writes what is still in the buffer. False, with errno set, when anything could not be written since Open.
   bool Close();
