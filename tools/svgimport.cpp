@@ -5,6 +5,7 @@
 
 #include "tools/dump_command.h"
 #include "tools/option_values.h"
+#include "tools/render_command.h"
 
 int main(int argc, char** argv) {
   // A reader that goes away shows as a failed write, so that temporary files are removed before the end.
@@ -13,8 +14,9 @@ int main(int argc, char** argv) {
   CLI::App app("Looks at what the SVG import filter makes of a document.", "svgimport");
   app.set_version_flag("-V,--version", std::string("svgimport ") + SVGIMPORT_VERSION);
   app.require_subcommand(1);
-  app.footer("Examples:\n  svgimport dump drawing.svg\n  svgimport dump --help");
+  app.footer("Examples:\n  svgimport dump drawing.svg\n  svgimport render drawing.svg -o drawing.png\n  svgimport dump --help");
   int status = kExitDone;
   AddDumpCommand(app, status);
+  AddRenderCommand(app, status);
   return ParseArguments(app, argc, argv).value_or(status);
 }

@@ -1,0 +1,32 @@
+// Paragraphs: from the host's composer to layouts of Pango.
+#pragma once
+
+#include <pango/pangocairo.h>
+#include <memory>
+
+#include "headless_host/inspection.h"
+#include "preview/drawing.h"
+
+namespace preview {
+
+// The paragraph with this ink. Nothing is drawn of a run whose height is not positive and finite.
+Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink);
+
+// A layout measured in thousandths of an inch. Its x origin is the left end of the longest line.
+struct TextLayout {
+  struct Deleter {
+    void operator()(PangoLayout* layout) const { g_object_unref(layout); }
+  };
+  std::unique_ptr<PangoLayout, Deleter> layout;
+  double left;      // of the layout from the text's origin
+  double baseline;  // of its first line, from its top
+};
+TextLayout LayOut(const Text& text);
+
+// Thousandths of an inch to host units.
+inline constexpr double kLayoutUnit = 2.54 / 1000.0;
+
+// What the text covers, in host units.
+Box TextBounds(const Text& text);
+
+}  // namespace preview
