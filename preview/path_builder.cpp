@@ -25,10 +25,20 @@ std::vector<Point> FinitePoints(std::span<const PolygonSide> sides) {
 
 }  // namespace
 
+bool PathBuilder::IsOneLine() const {
+  const std::size_t count = path_.verbs.size();
+  return count >= 2 && path_.verbs[count - 2] == Path::Verb::kMove && path_.verbs[count - 1] == Path::Verb::kLine;
+}
+
 bool PathBuilder::Join(Point first, Point last) {
   if (!path_.IsEmpty()) {
     if (Touch(first, pen_)) return false;
     if (Touch(last, pen_)) return true;
+    if (IsOneLine() && (Touch(first, start_) || Touch(last, start_))) {
+      std::swap(path_.points.back(), *(path_.points.end() - 2));
+      std::swap(start_, pen_);
+      return !Touch(first, pen_);
+    }
     EndSubpath();
   }
   path_.verbs.push_back(Path::Verb::kMove);

@@ -11,8 +11,9 @@ namespace preview {
 class PathBuilder {
  public:
   // A straight segment (two points) or a cubic one (four). It goes on from the pen if it begins there, is walked
-  // backwards if it ends there, and otherwise begins a subpath. A segment with a point that is not finite is passed
-  // over.
+  // backwards if it ends there, and otherwise begins a subpath. Where a subpath begins is not told, so that its first
+  // segment, if it is straight, is turned round when the second touches its start alone. A segment with a point that
+  // is not finite is passed over.
   void AddSegment(std::span<const Point> points);
   // A polygon among the segments: a run of straight segments. It is open if its last side is marked as the one that
   // closes, and else a full turn.
@@ -24,6 +25,8 @@ class PathBuilder {
   // Moves the pen to the near end of a run from `first` to `last`; true if the run is to be walked backwards.
   bool Join(Point first, Point last);
   void EndSubpath();
+  // True if the subpath is one straight segment.
+  bool IsOneLine() const;
 
   Path path_;
   Point start_ = {}, pen_ = {};
