@@ -28,7 +28,9 @@ Box BoundsOf(const std::vector<Item>& items, bool silhouette);
 
 Box BoundsOf(const Item& item, bool silhouette) {
   if (const auto* shape = std::get_if<Shape>(&item.what)) return BoundsOf(*shape, silhouette);
-  if (const auto* text = std::get_if<Text>(&item.what)) return TextBounds(*text);
+  if (const auto* text = std::get_if<Text>(&item.what)) {
+    return silhouette || text->ink.Fills() ? TextBounds(*text) : Box();
+  }
   if (const auto* picture = std::get_if<Picture>(&item.what)) return BoundsOf(*picture);
   const auto& clip = std::get<Clip>(item.what);
   Box box = BoundsOf(clip.content, silhouette);

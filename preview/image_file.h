@@ -15,12 +15,12 @@ struct ImageOptions {
   ImageFormat format = ImageFormat::kPng;
   // Of the picture: pixels of a PNG or SVG, points of a PDF. One alone keeps the shape of the page; both stretch it;
   // without either the size is that of the page.
-  std::optional<double> width, height;
-  double zoom = 1.0;                      // of the page's size
-  double dpi = 96.0;                      // pixels to an inch of the page in a PNG or SVG
-  std::optional<std::string> background;  // as IsColour takes it; none leaves the picture transparent
+  std::optional<double> width = std::nullopt, height = std::nullopt;
+  double zoom = 1.0;                                     // of the page's size
+  double dpi = 96.0;                                     // pixels to an inch of the page in a PNG or SVG
+  std::optional<std::string> background = std::nullopt;  // as IsColour takes it; none leaves the picture transparent
   // The page in host units; without it what the drawing covers, and of an empty drawing 10 by 10 centimetres.
-  std::optional<Box> page;
+  std::optional<Box> page = std::nullopt;
 };
 
 // The longest side of a picture and the most pixels that it can have.

@@ -182,7 +182,7 @@ void Painter::StrokePath(const Stroke& stroke, double opacity) {
 
 void Painter::Paint(const Text& text) {
   const Ink& ink = text.ink;
-  if (!silhouette_ && !ink.Fills() && !ink.stroke.IsVisible()) return;
+  if (!silhouette_ && !ink.Fills()) return;
   const TextLayout layout = LayOut(text);
   const cairo_matrix_t layoutToSheet =
       Product(Product({kLayoutUnit, 0.0, 0.0, -kLayoutUnit, text.origin.x, text.origin.y}, CairoMatrix(text.placement)),
@@ -191,15 +191,15 @@ void Painter::Paint(const Text& text) {
   cairo_save(context_);
   cairo_transform(context_, &layoutToSheet);
   cairo_move_to(context_, layout.left, -layout.baseline);
-  const bool flat = ink.gradient == nullptr && ink.tile == nullptr && !ink.stroke.IsVisible();
-  if (flat && !silhouette_) {
+  const bool flat = !silhouette_ && ink.gradient == nullptr && ink.tile == nullptr;
+  if (flat) {
     SetColour(context_, ink.fill, ink.opacity);
     pango_cairo_show_layout(context_, layout.layout.get());
   } else {
     pango_cairo_layout_path(context_, layout.layout.get());
   }
   cairo_restore(context_);
-  if (!flat || silhouette_) PaintPath(ink);
+  if (!flat) PaintPath(ink);
   cairo_new_path(context_);
 }
 

@@ -49,6 +49,7 @@ Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink) {
   const int justification = paragraph.justification.value_or(0);
   text.justification = justification == 1 ? 1.0 : justification == 2 ? 0.5 : 0.0;
   text.ink = ink;
+  text.ink.stroke = {};
   for (const TextRunView& run : paragraph.runs) {
     if (!(run.height > 0.0 && run.height / kCapitalHeight <= kLargestFont) || run.text.empty()) continue;
     text.runs.push_back(

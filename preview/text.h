@@ -9,7 +9,8 @@
 
 namespace preview {
 
-// The paragraph with this ink. Nothing is drawn of a run whose height is not positive and finite.
+// The paragraph with the fill of this ink: every paragraph comes with an outline of a hairline in force, which belongs
+// to the shapes around it. Nothing is drawn of a run whose height is not positive and finite.
 Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink);
 
 // A layout measured in thousandths of an inch. Its x origin is the left end of the longest line.
