@@ -14,6 +14,8 @@ namespace {
 constexpr double kCentimetresPerInch = 2.54;
 constexpr double kPointsPerInch = 72.0;
 constexpr double kEmptyPage = 10.0;
+// In centimetres; numbers beyond it have no digits left for what is drawn.
+constexpr double kLargestPage = 1e12;
 
 struct ContextDeleter {
   void operator()(cairo_t* context) const { cairo_destroy(context); }
@@ -68,6 +70,9 @@ bool IsColour(const std::string& text) { return ReadColour(text).has_value(); }
 
 std::string WriteImage(StreamDrawer& drawer, const ImageOptions& options, std::FILE* file) {
   const Box page = PageOf(drawer, options);
+  if (!(page.Width() <= kLargestPage && page.Height() <= kLargestPage)) {
+    return "the drawing has no end that could be shown";
+  }
   const bool pdf = options.format == ImageFormat::kPdf, png = options.format == ImageFormat::kPng;
   const double unitsPerInch = pdf ? kPointsPerInch : options.dpi;
   const double scale = unitsPerInch / kCentimetresPerInch * options.zoom;

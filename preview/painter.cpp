@@ -13,6 +13,9 @@ namespace {
 // Cairo keeps coordinates in 24 bits and a fraction; this leaves room for the width of a line.
 constexpr double kFarthest = 2e6;
 
+// FreeType takes no font of 65536 pixels, and cairo draws nothing any more behind one that fails.
+constexpr double kLargestFont = 30000.0;
+
 struct PatternDeleter {
   void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
 };
@@ -185,9 +188,10 @@ void Painter::Paint(const Text& text) {
   if (!silhouette_ && !ink.Fills()) return;
   const TextLayout layout = LayOut(text);
   const cairo_matrix_t layoutToSheet =
-      Product(Product({kLayoutUnit, 0.0, 0.0, -kLayoutUnit, text.origin.x, text.origin.y}, CairoMatrix(text.placement)),
+      Product(Product({layout.unit, 0.0, 0.0, -layout.unit, text.origin.x, text.origin.y}, CairoMatrix(text.placement)),
               HostToSheet());
-  if (!IsUsable(layoutToSheet)) return;
+  const double fontSize = kLayoutFont * std::hypot(layoutToSheet.xx, layoutToSheet.yx);
+  if (!IsUsable(layoutToSheet) || fontSize > kLargestFont) return;
   cairo_save(context_);
   cairo_transform(context_, &layoutToSheet);
   cairo_move_to(context_, layout.left, -layout.baseline);

@@ -12,8 +12,7 @@ namespace {
 // filter makes heights out of font sizes as well.
 constexpr double kCapitalHeight = 0.7;
 
-// In thousandths of an inch; what is larger is no text that could be read.
-constexpr double kLargestFont = 1e6;
+constexpr double kThousandthOfAnInch = 2.54 / 1000.0;
 
 struct FontDeleter {
   void operator()(PangoFontDescription* font) const { pango_font_description_free(font); }
@@ -44,16 +43,16 @@ std::unique_ptr<PangoContext, ContextDeleter> UnhintedContext() {
 
 Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink) {
   Text text;
-  text.origin = {paragraph.originX * kLayoutUnit, paragraph.originY * kLayoutUnit};
+  text.origin = {paragraph.originX * kThousandthOfAnInch, paragraph.originY * kThousandthOfAnInch};
   text.placement = paragraph.placement;
   const int justification = paragraph.justification.value_or(0);
   text.justification = justification == 1 ? 1.0 : justification == 2 ? 0.5 : 0.0;
   text.ink = ink;
   text.ink.stroke = {};
   for (const TextRunView& run : paragraph.runs) {
-    if (!(run.height > 0.0 && run.height / kCapitalHeight <= kLargestFont) || run.text.empty()) continue;
-    text.runs.push_back(
-        {headless::Utf8FromText(run.text), headless::Utf8FromText(run.font.value_or(u"")), run.height * kLayoutUnit});
+    if (!(run.height > 0.0) || !std::isfinite(run.height) || run.text.empty()) continue;
+    text.runs.push_back({headless::Utf8FromText(run.text), headless::Utf8FromText(run.font.value_or(u"")),
+                         run.height * kThousandthOfAnInch});
     std::string& characters = text.runs.back().text;
     characters.erase(std::remove(characters.begin(), characters.end(), '\0'), characters.end());
   }
@@ -62,13 +61,17 @@ Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink) {
 
 TextLayout LayOut(const Text& text) {
   const auto context = UnhintedContext();
-  TextLayout result{std::unique_ptr<PangoLayout, TextLayout::Deleter>(pango_layout_new(context.get())), 0.0, 0.0};
+  double tallest = 0.0;
+  for (const TextRun& run : text.runs) tallest = std::max(tallest, run.height);
+  TextLayout result{std::unique_ptr<PangoLayout, TextLayout::Deleter>(pango_layout_new(context.get())),
+                    tallest / kCapitalHeight / kLayoutFont, 0.0, 0.0};
   PangoAttrList* attributes = pango_attr_list_new();
   std::string characters;
   for (const TextRun& run : text.runs) {
     const std::unique_ptr<PangoFontDescription, FontDeleter> font(pango_font_description_new());
     if (!run.font.empty()) pango_font_description_set_family(font.get(), run.font.c_str());
-    pango_font_description_set_absolute_size(font.get(), run.height / kLayoutUnit / kCapitalHeight * PANGO_SCALE);
+    pango_font_description_set_absolute_size(font.get(),
+                                             std::max(1.0, run.height / tallest * kLayoutFont * PANGO_SCALE));
     PangoAttribute* attribute = pango_attr_font_desc_new(font.get());
     attribute->start_index = static_cast<guint>(characters.size());
     characters += run.text;
@@ -100,8 +103,8 @@ Box TextBounds(const Text& text) {
   const TM& m = text.placement;
   for (const int x : {ink.x, ink.x + ink.width}) {
     for (const int y : {ink.y, ink.y + ink.height}) {
-      const double hostX = text.origin.x + (layout.left + x / double{PANGO_SCALE}) * kLayoutUnit;
-      const double hostY = text.origin.y - (y / double{PANGO_SCALE} - layout.baseline) * kLayoutUnit;
+      const double hostX = text.origin.x + (layout.left + x / double{PANGO_SCALE}) * layout.unit;
+      const double hostY = text.origin.y - (y / double{PANGO_SCALE} - layout.baseline) * layout.unit;
       box.Add(Point{m.a * hostX + m.c * hostY + m.e, m.b * hostX + m.d * hostY + m.f});
     }
   }

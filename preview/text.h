@@ -13,19 +13,20 @@ namespace preview {
 // to the shapes around it. Nothing is drawn of a run whose height is not positive and finite.
 Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink);
 
-// A layout measured in thousandths of an inch. Its x origin is the left end of the longest line.
+// The layout of a text, in units of its own. The left end of its longest line has x = 0.
 struct TextLayout {
   struct Deleter {
     void operator()(PangoLayout* layout) const { g_object_unref(layout); }
   };
   std::unique_ptr<PangoLayout, Deleter> layout;
+  double unit;      // in host units
   double left;      // of the layout from the text's origin
   double baseline;  // of its first line, from its top
 };
 TextLayout LayOut(const Text& text);
 
-// Thousandths of an inch to host units.
-inline constexpr double kLayoutUnit = 2.54 / 1000.0;
+// The size of the largest font in a layout, in its units.
+inline constexpr double kLayoutFont = 1000.0;
 
 // What the text covers, in host units.
 Box TextBounds(const Text& text);

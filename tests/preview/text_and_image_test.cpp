@@ -82,6 +82,12 @@ TEST_F(Paragraphs, OfNoHeightOrAnEndlessOneAreNotDrawn) {
   EXPECT_EQ(DrawCommands().Ink().right, -1);
 }
 
+TEST_F(Paragraphs, OfMonstrousHeightDoNotSpoilTheRest) {
+  const Picture picture = DrawBody(R"svg(<text x="50" y="60" font-size="99999999pt">H</text>
+      <rect x="20" y="20" width="20" height="20" style="fill:#ff0000"/>)svg");
+  EXPECT_EQ(picture.At(30, 30), kRed);
+}
+
 TEST_F(Paragraphs, HaveNoOutline) {
   // A line of 4 units would reach 2 pixels down below the origin.
   EXPECT_NEAR(DrawText("stroke=\"#0000ff\" stroke-width=\"4\"").Ink().bottom, 59, 1);
