@@ -13,7 +13,7 @@ namespace {
 // Cairo keeps coordinates in 24 bits and a fraction; this leaves room for the width of a line.
 constexpr double kFarthest = 2e6;
 
-// FreeType takes no font of 65536 pixels, and cairo draws nothing any more behind one that fails.
+// In pixels. FreeType takes no font of 65536, and one that fails stays in error for all texts after it.
 constexpr double kLargestFont = 30000.0;
 
 struct PatternDeleter {

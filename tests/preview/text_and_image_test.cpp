@@ -84,8 +84,10 @@ TEST_F(Paragraphs, OfNoHeightOrAnEndlessOneAreNotDrawn) {
 
 TEST_F(Paragraphs, OfMonstrousHeightDoNotSpoilTheRest) {
   const Picture picture = DrawBody(R"svg(<text x="50" y="60" font-size="99999999pt">H</text>
-      <rect x="20" y="20" width="20" height="20" style="fill:#ff0000"/>)svg");
-  EXPECT_EQ(picture.At(30, 30), kRed);
+      <text x="50" y="60" font-family="DejaVu Sans" font-size="10" fill="#ff0000">H</text>)svg");
+  const InkBox ink = picture.Ink();
+  EXPECT_NEAR(ink.bottom, 59, 1);
+  EXPECT_NEAR(ink.top, 60 - 25.4, 3);
 }
 
 TEST_F(Paragraphs, HaveNoOutline) {
