@@ -6,6 +6,7 @@
 #include "tools/batch/batch_command.h"
 #include "tools/dump_command.h"
 #include "tools/option_values.h"
+#include "tools/render_command.h"
 #include "tools/report_command.h"
 
 int main(int argc, char** argv) {
@@ -18,11 +19,13 @@ int main(int argc, char** argv) {
   app.footer(
       "Examples:\n"
       "  svgimport dump drawing.svg\n"
+      "  svgimport render drawing.svg -o drawing.png\n"
       "  svgimport report drawing.svg\n"
       "  svgimport batch drawings -o results.jsonl\n"
       "  svgimport dump --help");
   int status = kExitDone;
   AddDumpCommand(app, status);
+  AddRenderCommand(app, status);
   AddReportCommand(app, status);
   AddBatchCommand(app, status);
   status = ParseArguments(app, argc, argv).value_or(status);
