@@ -86,7 +86,7 @@ struct BitmapView {
   std::u16string_view path;
   double placedWidth, placedHeight, placedX;
   TM placement;
-  std::uint32_t width, height;            // pixels; 0 before Create
+  std::uint32_t width, height;      // pixels; 0 before Create
   ArrayView<unsigned char> pixels;  // rows from the top, red, green, blue, alpha, alpha not multiplied in
 };
 BitmapView ViewBitmap(const CQXBitmap& bitmap);

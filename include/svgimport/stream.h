@@ -2,9 +2,9 @@
  * codes, the payload records and the functions by which a stream is read. C++ programs include "run/import_command.h",
  * which says the same with the host's classes.
  *
- * Coordinates are centimetres with y pointing up. Colours are 0x00BBGGRR; 0xFFFFFFFF in KEY_FILL and KEY_OUTL means that
- * nothing is painted. Packed records have fields at odd offsets: copy a record or read its fields as values, and never
- * take the address of a field.
+ * Coordinates are centimetres with y pointing up. Colours are 0x00BBGGRR; 0xFFFFFFFF in KEY_FILL and KEY_OUTL means
+ * that nothing is painted. Packed records have fields at odd offsets: copy a record or read its fields as values, and
+ * never take the address of a field.
  */
 #ifndef SVGIMPORT_STREAM_H
 #define SVGIMPORT_STREAM_H
@@ -17,41 +17,41 @@
 #include <stdint.h>
 
 enum CommandKey {
-  KEY_NULL = 0,    /* no fact */
-  KEY_BEZI = 3,    /* BezierRecord: one cubic segment */
-  KEY_CNST = 5,    /* value, line join: 0 round, 1 bevel, 2 miter */
-  KEY_EGRP = 8,    /* value 1: end of a group */
-  KEY_ELLI = 9,    /* never sent */
-  KEY_ENDF = 10,   /* end of the file */
-  KEY_ENDP = 11,   /* end of the open path */
-  KEY_FILL = 12,   /* value: fill colour */
-  KEY_LINE = 17,   /* LineRecord: one straight segment */
-  KEY_LNST = 18,   /* value, line cap: 0 butt, 1 square, 2 round */
-  KEY_MLIM = 21,   /* value: miter limit times 100 */
-  KEY_WRUL = 23,   /* value, winding rule: 1 non-zero, 0 even-odd */
-  KEY_OUTL = 24,   /* value: outline colour */
-  KEY_PARA = 27,   /* ParagraphRecord: a composed text block */
-  KEY_PATH = 28,   /* start of a path */
-  KEY_PLYR = 29,   /* PolygonRecord: a finished polygon */
-  KEY_SGRP = 36,   /* value 1: start of a group */
-  KEY_WIDT = 43,   /* a double, line width in centimetres; size 8 or 0 */
-  KEY_PFDF = 46,   /* FillDefinition of a pattern, first of the pair */
-  KEY_FDEF = 47,   /* FillDefinition of a flat layer colour or a gradient */
-  KEY_CLIP = 48,   /* value: 1 starts clip geometry, 0 ends it */
-  KEY_DOCP = 49,   /* value: 1 clipped content begins, 0 it has ended */
-  KEY_PAGN = 50,   /* never sent */
-  KEY_GNRC = 97,   /* GenericRecord: an image */
-  KEY_THST = 104,  /* value, thickness state: 1 none, 2 hairline, 3 thick */
-  KEY_NOTL = 110,  /* a colour object of the host: outline of the path just ended */
-  KEY_NFIL = 111,  /* a colour object of the host: fill of the path just ended */
-  KEY_SPFL = 114,  /* a spot fill object of the host */
-  KEY_QXON = 119,  /* never sent */
-  KEY_LYOT = 123,  /* an overprint object of the host, for the fill */
-  KEY_LIOT = 124,  /* an overprint object of the host, for the stroke */
-  KEY_PFOL = 127,  /* the FillDefinition of the KEY_PFDF before it */
-  KEY_ECGR = 135,  /* value 1: end of a clip group */
-  KEY_SCGR = 136,  /* value 1: start of a clip group */
-  KEY_TSPY = 155   /* a transparency object of the host */
+  KEY_NULL = 0,   /* no fact */
+  KEY_BEZI = 3,   /* BezierRecord: one cubic segment */
+  KEY_CNST = 5,   /* value, line join: 0 round, 1 bevel, 2 miter */
+  KEY_EGRP = 8,   /* value 1: end of a group */
+  KEY_ELLI = 9,   /* never sent */
+  KEY_ENDF = 10,  /* end of the file */
+  KEY_ENDP = 11,  /* end of the open path */
+  KEY_FILL = 12,  /* value: fill colour */
+  KEY_LINE = 17,  /* LineRecord: one straight segment */
+  KEY_LNST = 18,  /* value, line cap: 0 butt, 1 square, 2 round */
+  KEY_MLIM = 21,  /* value: miter limit times 100 */
+  KEY_WRUL = 23,  /* value, winding rule: 1 non-zero, 0 even-odd */
+  KEY_OUTL = 24,  /* value: outline colour */
+  KEY_PARA = 27,  /* ParagraphRecord: a composed text block */
+  KEY_PATH = 28,  /* start of a path */
+  KEY_PLYR = 29,  /* PolygonRecord: a finished polygon */
+  KEY_SGRP = 36,  /* value 1: start of a group */
+  KEY_WIDT = 43,  /* a double, line width in centimetres; size 8 or 0 */
+  KEY_PFDF = 46,  /* FillDefinition of a pattern, first of the pair */
+  KEY_FDEF = 47,  /* FillDefinition of a flat layer colour or a gradient */
+  KEY_CLIP = 48,  /* value: 1 starts clip geometry, 0 ends it */
+  KEY_DOCP = 49,  /* value: 1 clipped content begins, 0 it has ended */
+  KEY_PAGN = 50,  /* never sent */
+  KEY_GNRC = 97,  /* GenericRecord: an image */
+  KEY_THST = 104, /* value, thickness state: 1 none, 2 hairline, 3 thick */
+  KEY_NOTL = 110, /* a colour object of the host: outline of the path just ended */
+  KEY_NFIL = 111, /* a colour object of the host: fill of the path just ended */
+  KEY_SPFL = 114, /* a spot fill object of the host */
+  KEY_QXON = 119, /* never sent */
+  KEY_LYOT = 123, /* an overprint object of the host, for the fill */
+  KEY_LIOT = 124, /* an overprint object of the host, for the stroke */
+  KEY_PFOL = 127, /* the FillDefinition of the KEY_PFDF before it */
+  KEY_ECGR = 135, /* value 1: end of a clip group */
+  KEY_SCGR = 136, /* value 1: start of a clip group */
+  KEY_TSPY = 155  /* a transparency object of the host */
 };
 
 typedef struct ImportCommand {
