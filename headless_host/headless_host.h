@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/allocator.h"
+#include "host/polygon.h"
 #include "run/import_command.h"
 
 // Back to the state of a fresh process: no settings, units 300, the system's temporary folder as base folder, no image
@@ -131,6 +132,10 @@ std::u16string ShownPath(std::u16string_view path);
 // they came from the filter's fallback, which heads each block with a word of 0 on the ordinary heap.
 void ReleaseCommand(const ImportCommand& command);
 
+// The same, and the number of sides of a polygon, for programs in other languages; svgimport/stream.h is their header.
+extern "C" void ReleaseImportCommand(const ImportCommand* command);
+extern "C" std::int64_t CountPolygonSides(const POLYGON* polygon);
+
 // What is alive, for tests of leaks.
 struct HostLiveCounts {
   std::size_t blocks = 0;  // of the default allocator
@@ -143,6 +148,8 @@ struct HostLiveCounts {
   std::size_t paragraphs = 0;
   std::size_t fontReplacements = 0;
 
+#if __cplusplus >= 202002L
   bool operator==(const HostLiveCounts&) const = default;
+#endif
 };
 const HostLiveCounts& LiveCounts();

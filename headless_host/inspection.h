@@ -4,9 +4,9 @@
 // valid as long as the object lives and is not changed. No call is written to the journal.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +18,29 @@
 #include "host/matrix.h"
 #include "host/polygon.h"
 #include "host/transparency.h"
+
+// An array inside an object, for programs older than std::span as well.
+template <class Element>
+class ArrayView {
+ public:
+  ArrayView() = default;
+  ArrayView(const Element* data, std::size_t size) : data_(data), size_(size) {}
+  template <class Container>
+  ArrayView(const Container& container) : data_(container.data()), size_(container.size()) {}
+
+  const Element* data() const { return data_; }
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  const Element* begin() const { return data_; }
+  const Element* end() const { return data_ + size_; }
+  const Element& operator[](std::size_t i) const { return data_[i]; }
+  const Element& front() const { return data_[0]; }
+  const Element& back() const { return data_[size_ - 1]; }
+
+ private:
+  const Element* data_ = nullptr;
+  std::size_t size_ = 0;
+};
 
 struct ColourView {
   std::uint32_t id;  // the value given to the constructor
@@ -46,7 +69,7 @@ struct SpotFillView {
   TM worldToFill;
   ColourView from, to;
   int duotone;
-  std::span<const CSpotMarker> markers;
+  ArrayView<CSpotMarker> markers;
 };
 SpotFillView ViewSpotFill(const CQXSpotFill& fill);
 
@@ -55,7 +78,7 @@ struct TransparencyView {
   unsigned char opacity;  // uniform only
   TM worldToFill;         // from here on linear and radial only
   double length, angle;
-  std::span<const CTransMarker> markers;
+  ArrayView<CTransMarker> markers;
 };
 TransparencyView ViewTransparency(const CQXTransparency& transparency);
 
@@ -63,8 +86,8 @@ struct BitmapView {
   std::u16string_view path;
   double placedWidth, placedHeight, placedX;
   TM placement;
-  std::uint32_t width, height;            // pixels; 0 before Create
-  std::span<const unsigned char> pixels;  // rows from the top, red, green, blue, alpha, alpha not multiplied in
+  std::uint32_t width, height;      // pixels; 0 before Create
+  ArrayView<unsigned char> pixels;  // rows from the top, red, green, blue, alpha, alpha not multiplied in
 };
 BitmapView ViewBitmap(const CQXBitmap& bitmap);
 
@@ -87,13 +110,13 @@ struct ParagraphView {
   double listMeasure;
   std::int32_t statusLimit, paragraphOption;
   TM placement;
-  std::span<const TextRunView> runs;
+  ArrayView<TextRunView> runs;
 };
 // Nothing when the composer does not know the paragraph, or no longer.
 std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph);
 
 // The sides of a polygon.
-std::span<const PolygonSide> ViewSides(const POLYGON& polygon);
+ArrayView<PolygonSide> ViewSides(const POLYGON& polygon);
 
 // The name under which the font was found.
 std::u16string_view FontName(const FontRecord& font);

@@ -36,9 +36,11 @@ void SetCapacity(POLYGON& polygon, std::int64_t capacity) {
 
 }  // namespace
 
-std::span<const PolygonSide> ViewSides(const POLYGON& polygon) {
+ArrayView<PolygonSide> ViewSides(const POLYGON& polygon) {
   return {polygon.sides, static_cast<std::size_t>(Count(polygon))};
 }
+
+std::int64_t CountPolygonSides(const POLYGON* polygon) { return Count(*polygon); }
 
 POLYGON::POLYGON() : hostData0{}, flags(0), scaleX(1.0), scaleY(1.0), hostData1{}, sides(nullptr), hostData2{} {
   if (journaling) JournalCall("POLYGON::POLYGON");

@@ -73,3 +73,5 @@ void ReleaseCommand(const ImportCommand& command) {
       break;
   }
 }
+
+void ReleaseImportCommand(const ImportCommand* command) { ReleaseCommand(*command); }

@@ -97,7 +97,7 @@ void Matrix(JsonWriter& writer, std::string_view name, TM matrix) {
 }
 
 template <class Marker>
-void Markers(JsonWriter& writer, std::span<const Marker> markers, int Marker::*level) {
+void Markers(JsonWriter& writer, ArrayView<Marker> markers, int Marker::*level) {
   Key(writer, "markers");
   writer.StartArray();
   for (const Marker& marker : markers) {

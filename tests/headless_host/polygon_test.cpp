@@ -35,6 +35,7 @@ TEST(HostPolygon, SidesKeepTheirValuesWhileTheArrayGrows) {
     polygon.sides[i].flags = static_cast<std::uint32_t>(i);
   }
   ASSERT_EQ(polygon.get_sides(), 1000);
+  ASSERT_EQ(CountPolygonSides(&polygon), 1000);
   ASSERT_EQ(ViewSides(polygon).size(), 1000u);
   for (int i = 0; i < 1000; ++i) {
     const PolygonSide side = ViewSides(polygon)[static_cast<std::size_t>(i)];

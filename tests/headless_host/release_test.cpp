@@ -34,6 +34,13 @@ TEST_F(HostRelease, RecordsGoBackToTheAllocator) {
   EXPECT_EQ(LiveCounts(), before);
 }
 
+TEST_F(HostRelease, ProgramsInOtherLanguagesReleaseByAddress) {
+  const ImportCommand command = Command(KEY_LINE, 48, Block(sizeof(LineRecord)));
+  EXPECT_NE(LiveCounts(), before);
+  ReleaseImportCommand(&command);
+  EXPECT_EQ(LiveCounts(), before);
+}
+
 TEST_F(HostRelease, AWidthGoesBackWhateverItsSize) {
   ReleaseCommand(Command(KEY_WIDT, 8, Block(sizeof(double))));
   ReleaseCommand(Command(KEY_WIDT, 0, Block(sizeof(double))));
