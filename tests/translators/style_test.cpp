@@ -1,5 +1,7 @@
 #include "translators/style.h"
 
+#include <cmath>
+
 #include "operators/graphics_state.h"
 #include "tests/translators/translator_fixture.h"
 
@@ -245,6 +247,11 @@ TEST_F(ShapeStyle, WidthZeroIsNoStrokeTwice) {
     EXPECT_EQ(Shape("stroke:#000;stroke-width:" + std::string(width)), Records("OUTL 0", "THST 1", "THST 1", "WIDT 0"))
         << width;
   }
+}
+
+TEST_F(ShapeStyle, WidthOfMinusZeroIsSentAsZero) {
+  EXPECT_EQ(Shape("stroke:#000;stroke-width:-0"), Records("OUTL 0", "THST 1", "THST 1", "WIDT 0"));
+  EXPECT_FALSE(std::signbit(PayloadOf<double>(commands.size() - 1)));
 }
 
 TEST_F(ShapeStyle, WithAWidthInTheFrameAStrokeWithoutOneSendsZero) {
