@@ -207,6 +207,7 @@ void ApplyShapeWidth(const StyleText& style) {
     if (width == 0.0) {
       PushValue(KEY_THST, kNoLine);  // twice: it is meant
       PushValue(KEY_THST, kNoLine);
+      width = 0.0;  // also for "-0"
     } else {
       PushValue(KEY_THST, kThick);
     }

@@ -219,6 +219,12 @@ TEST_F(Group, EachAttributeSendsAWidthOfItsOwn) {
   EXPECT_EQ(CountOf(Fresh("<g fill='red' stroke='red' stroke-width='5' opacity='0.5' style='fill:red'/>"), "WIDT"), 5u);
 }
 
+TEST_F(Group, AnAttributesValueMayHoldFurtherProperties) {
+  EXPECT_EQ(
+      Fresh("<g fill='lime;stroke:red;stroke-width:3;opacity:0.5'/>"),
+      Enclosed(Records("TSPY 127", "OUTL 255", "THST 3", "WIDT 0.3", "FILL 65280")) + Records("TSPY 255", "FILL 0"));
+}
+
 TEST_F(Group, LongValuesAreTaken) {
   EXPECT_EQ(CountOf(Fresh("<g fill='red;" + std::string(5000, 'x') + "'/>"), "FILL 255"), 1u);
   EXPECT_EQ(CountOf(Fresh("<g opacity='" + std::string(5000, ' ') + "0.5'/>"), "TSPY 127"), 1u);

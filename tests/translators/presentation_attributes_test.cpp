@@ -156,6 +156,12 @@ TEST_F(PresentationAttributes, FillUrlNeedsAClosingParenthesisBehindItsHash) {
   EXPECT_EQ(CountOf(Fresh(defs + "<path fill='url)(#g)'/>"), "FDEF linear"), 1u);
 }
 
+TEST_F(PresentationAttributes, FillUrlTakesTheFirstHashOfAllThatFollows) {
+  const std::string defs = "<defs><linearGradient id='g'/></defs>";
+  EXPECT_EQ(CountOf(Fresh(defs + "<path style='fill:url(x);marker:url(#g)'/>"), "FDEF linear"), 1u);
+  EXPECT_EQ(CountOf(Fresh(defs + "<path style='fill:url(x);color:#000;marker:url(#g)'/>"), "FDEF"), 0u);
+}
+
 TEST_F(PresentationAttributes, FillUrlIsNoGivenFill) {
   // So the path is not closed: a gradient's records, then the two lines of the data.
   const Lines lines = Fresh("<defs><linearGradient id='g'/></defs><path d='M0 0 10 0 10 10' fill='url(#g)'/>");

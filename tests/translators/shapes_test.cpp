@@ -417,6 +417,15 @@ TEST_F(Shapes, ACircleWithOpacityTwiceSendsTheAttributesFirst) {
   EXPECT_EQ(From(lines, 17), Records("TSPY 255"));
 }
 
+TEST_F(Shapes, ACirclesOpacityIsAWholeStyle) {
+  // Its properties stand in the frame by the time the style is applied.
+  const Lines lines = Fresh("<circle opacity='0.5;fill:lime;' style='stroke:none'/>");
+  EXPECT_EQ(Lines(lines.begin(), lines.end() - 3),
+            Replay() + Records("FILL 65280", "TSPY 127", "WIDT 0", "THST 0", "OUTL 0", "FILL 65280", "WRUL 1", "LNST 0",
+                               "CNST 1", "THST 1"));
+  EXPECT_EQ(From(lines, lines.size() - 2), Records("TSPY 255", "FILL 0"));
+}
+
 // --- Line
 
 TEST_F(Shapes, LineIsOneSegment) {

@@ -1,5 +1,7 @@
 #include "translators/style.h"
 
+#include <cmath>
+
 #include "operators/graphics_state.h"
 #include "tests/translators/translator_fixture.h"
 
@@ -93,6 +95,16 @@ TEST_F(ShapeStyle, TheFirstOfTwoPlacesCounts) { EXPECT_EQ(Shape("fill:red;fill:b
 
 TEST_F(ShapeStyle, ANameIsFoundBehindAPrefix) { EXPECT_EQ(Shape("-x-fill:red"), Records(Fill(kRed))); }
 
+TEST_F(ShapeStyle, EveryNameIsFoundBehindAPrefix) {
+  EXPECT_EQ(Shape("xstroke:red;-stroke-width:3"), Records("OUTL 255", "THST 3", "WIDT 1.5"));
+  EXPECT_EQ(Shape("xstroke-linecap:round"), Records("LNST 2"));
+  EXPECT_EQ(Shape("xstroke-linejoin:bevel"), Records("CNST 1"));
+  EXPECT_EQ(Shape("xstroke-miterlimit:4"), Records("MLIM 400"));
+  EXPECT_EQ(Shape("xfill-rule:nonzero"), Records("WRUL 1"));
+  // Behind a minus the opacity would be passed over.
+  EXPECT_EQ(Shape("xfill-opacity:0.5"), Records("TSPY 127"));
+}
+
 TEST_F(ShapeStyle, ANameIsFoundInsideAValue) { EXPECT_EQ(Shape("font:'fill:red;'"), Records(Fill(kRed))); }
 
 TEST_F(ShapeStyle, NamesAreCaseSensitiveAndNeedTheirColon) {
@@ -102,6 +114,17 @@ TEST_F(ShapeStyle, NamesAreCaseSensitiveAndNeedTheirColon) {
 }
 
 TEST_F(ShapeStyle, BlanksInFrontOfAValueAreSkipped) { EXPECT_EQ(Shape("fill:   red"), Records(Fill(kRed))); }
+
+TEST_F(ShapeStyle, OnlyBlanksInFrontOfAValueAreSkipped) {
+  EXPECT_EQ(Shape("fill:\tred"), Records());
+  EXPECT_EQ(Shape("fill: \n red"), Records());
+  EXPECT_EQ(Shape("stroke-linecap:\tround"), Records("LNST 0"));
+  EXPECT_EQ(Shape("fill-rule:\tnonzero"), Records("WRUL 0"));
+  // Numbers allow any white space in front of themselves.
+  EXPECT_EQ(Shape("stroke:red;stroke-width:\t\n3"), Records("OUTL 255", "THST 3", "WIDT 1.5"));
+  EXPECT_EQ(Shape("stroke-miterlimit:\n4"), Records("MLIM 400"));
+  EXPECT_EQ(Shape("opacity:\t0.5"), Records("TSPY 127"));
+}
 
 TEST_F(ShapeStyle, AnEmptyValueIsNoColour) {
   EXPECT_EQ(Shape("fill:"), Records());
@@ -143,6 +166,11 @@ TEST_F(ShapeStyle, DigitsThatAreNoneOrMissingCountAsZero) {
   EXPECT_EQ(Fill("#12345"), Fill(0x503412));
   EXPECT_EQ(Fill("#gF0z01"), Fill(0x01000F));
   EXPECT_EQ(Fill("#;;;;"), Fill(0));
+}
+
+TEST_F(ShapeStyle, SixDigitsAreReadAcrossASemicolon) {
+  // A value does not end there: ab, then ";d", then ef.
+  EXPECT_EQ(Fill("#ab;def"), Fill(0xEF0DAB));
 }
 
 TEST_F(ShapeStyle, RgbTakesThreeIntegersFromTheFifthCharacter) {
@@ -245,6 +273,11 @@ TEST_F(ShapeStyle, WidthZeroIsNoStrokeTwice) {
     EXPECT_EQ(Shape("stroke:#000;stroke-width:" + std::string(width)), Records("OUTL 0", "THST 1", "THST 1", "WIDT 0"))
         << width;
   }
+}
+
+TEST_F(ShapeStyle, WidthOfMinusZeroIsSentAsZero) {
+  EXPECT_EQ(Shape("stroke:#000;stroke-width:-0"), Records("OUTL 0", "THST 1", "THST 1", "WIDT 0"));
+  EXPECT_FALSE(std::signbit(PayloadOf<double>(commands.size() - 1)));
 }
 
 TEST_F(ShapeStyle, WithAWidthInTheFrameAStrokeWithoutOneSendsZero) {
@@ -671,6 +704,13 @@ TEST_F(TextStyle, FontSizeWithoutANumberIsLeft) {
   ApplyFontSize(u"font-size:");
   ApplyFontSize(u"font-size:large");
   EXPECT_EQ(run.text.FontSize, 7.0);
+}
+
+TEST_F(TextStyle, FontSizeOfABlankAndNoNumberIsZero) {
+  // The blank counts as consumed.
+  run.text.FontSize = 7.0;
+  ApplyFontSize(u"font-size: large");
+  EXPECT_EQ(run.text.FontSize, 0.0);
 }
 
 // --- Digits
