@@ -6,6 +6,7 @@
 #include "host/fills.h"
 #include "platform/narrow_text.h"
 #include "tests/support/filter_test.h"
+#include "tests/support/host_journal.h"
 
 namespace {
 
@@ -304,6 +305,18 @@ TEST_F(NamedGradients, FewerThanThreeStopsMakeTwoColours) {
       EXPECT_EQ(gradient.colourA[i] + 0, c.a[i]);
       EXPECT_EQ(gradient.colourB[i] + 0, c.b[i]);
     }
+  }
+}
+
+TEST_F(NamedGradients, TwoColoursAreConvertedInTheOrderOfTheStops) {
+  const std::vector<NamedStop> stops = {Inks(1, 2, 3, 4), Inks(0x105, 6, 7, 0xFF08)};
+  Add(u"l", kLinear, stops, {0, 100});
+  Add(u"c", kRadial, stops, {0, 100});
+  for (const char* name : {"l", "c"}) {
+    SCOPED_TRACE(name);
+    HostJournal journal;
+    Use(name);
+    EXPECT_EQ(Only(journal.Take(), "BmpCMYKtoRGB"), (Lines{"BmpCMYKtoRGB(1,2,3,4)", "BmpCMYKtoRGB(5,6,7,8)"}));
   }
 }
 
