@@ -11,7 +11,6 @@
 #include "operators/operator_machine.h"
 #include "paint/gradient_fill.h"
 #include "run/command_queue.h"
-#include "run/host_memory.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
 
@@ -177,11 +176,8 @@ void LinearColourList(const NamedGradient& gradient, FillDefinition& fill) {
 
 void PushNamedFill(const NamedGradient& gradient, MatrixOrder order) {
   const GradientPlacement& p = run.paint.placement;
-  auto* fill = static_cast<FillDefinition*>(AllocateHostCleared(sizeof(FillDefinition)));
+  FillDefinition* fill = NewGradientFill();
   fill->fillScale = p.gradientVectorLength * -1.0;
-  fill->inverseMatrix = kIdentity;
-  fill->forwardMatrix = kIdentity;
-  fill->fillClass = 4;
   const auto [a, b, c, d] = p.gradientMatrix;
   const TM m = order == MatrixOrder::Popped ? TM{d, c, b, a, p.gradientOriginX, p.gradientOriginY}
                                             : TM{a, b, c, d, p.gradientOriginX, p.gradientOriginY};
