@@ -75,6 +75,7 @@ struct HostFailures {
   bool addFont = false;                // AddFont gives null
   bool chooseReplacementFont = false;  // ChooseReplacementFont gives null
   bool listFlag = false;               // a paragraph opens with listFlag 1
+  bool usedRecords = false;            // a paragraph opens with 0xA5 in every byte that is no address and no listFlag
   bool skipText = false;               // a CFontReplacement is made with skipText 1
   bool newBitmap = false;              // NewQXBitmap gives null
   bool createBitmap = false;           // CQXBitmap::Create answers false
