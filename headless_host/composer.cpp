@@ -174,9 +174,8 @@ void WrapLine(TextLine*, void*, std::uint32_t first, std::uint32_t last, const c
 }
 
 int edCalcCompression(list_s*) {
-  constexpr int kNoCompression = 0;
-  if (journaling) JournalCall("edCalcCompression").Result(kNoCompression);
-  return kNoCompression;
+  if (journaling) JournalCall("edCalcCompression").Result(host.compression);
+  return host.compression;
 }
 
 CFontReplacement::CFontReplacement(const char* kind) : hostData{}, skipText(0), hostTail{} {

@@ -17,8 +17,9 @@
 #include "run/import_command.h"
 
 // Back to the state of a fresh process: no settings, units 300, the system's temporary folder as base folder, no image
-// folder, the default allocator in the window registry and nothing else, every font found, no failures, no messages, no
-// journal. Paragraphs that were never released are freed. Live allocator blocks and font records stay valid.
+// folder, the default allocator in the window registry and nothing else, every font found, a compression of 0, no
+// failures, no messages, no journal. Paragraphs that were never released are freed. Live allocator blocks and font
+// records stay valid.
 void ResetHost();
 
 // --- Settings store, units, base folder
@@ -61,6 +62,9 @@ void SetHostFontMode(HostFontMode mode);
 // For kListed: the names that AddFont finds with kind 2 (with kinds 1 and 3 it finds every name, which a font manager
 // has just activated), and the font offered as replacement or by force, none if empty.
 void SetListedFonts(std::vector<std::u16string> names, std::u16string replacement);
+
+// Answered by edCalcCompression.
+void SetHostCompression(int compression);
 
 // --- Files
 

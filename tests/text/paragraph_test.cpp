@@ -1,5 +1,6 @@
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "tests/text/text_fixture.h"
 
@@ -86,6 +87,14 @@ TEST_F(Paragraph, FixedValuesOfTheRecords) {
   EXPECT_EQ(paragraph.charScale, 1000);
   EXPECT_EQ(paragraph.fontCode, 0);  // the font has 1
   EXPECT_EQ(paragraph.compression, 0);
+}
+
+TEST_F(Paragraph, OfTheCompressionTheLow16BitsAreKept) {
+  for (const auto& [answered, kept] : {std::pair{0x1234, 0x1234}, {0x12345, 0x2345}, {-1, 0xFFFF}}) {
+    SetHostCompression(answered);
+    Compose(u"a");
+    EXPECT_EQ(Paragraphs().at(0).compression, kept);
+  }
 }
 
 TEST_F(Paragraph, HeightIsTheFontSizeInSinglePrecision) {
