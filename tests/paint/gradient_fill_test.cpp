@@ -301,6 +301,15 @@ TEST_F(GradientFill, AnUntransformedRadialGradientHasTheAngleMinus180) {
   ExpectMatrix(fill.forwardMatrix, {5.339649813486419e-08, -4.0, 4.0, 5.339649813486419e-08, 10.0, 80.0});
 }
 
+TEST_F(GradientFill, ANegativeRadiusKeepsItsSign) {
+  StartMachine();
+  Run("10 20 0 0 -4 1 @k");
+  const FillDefinition& fill = PayloadOf<FillDefinition>(1);
+  EXPECT_EQ(fill.fillScale, 4.0);
+  ExpectMatrix(fill.forwardMatrix, {-5.339649813486419e-08, 4.0, -4.0, -5.339649813486419e-08, 10.0, 80.0});
+  EXPECT_EQ(TransparencyOf(2).length, 4.0);
+}
+
 TEST_F(GradientFill, TheCurrentMatrixHasNoPartInARadialGradient) {
   StartMachine();
   Run("10 20 0 0 4 1 @k");
