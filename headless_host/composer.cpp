@@ -25,6 +25,18 @@ void WireRecords(HostParagraph& paragraph) {
   paragraph.status.textLine = &paragraph.textLine;
 }
 
+// As if the records had belonged to another paragraph before.
+void FillRecords(HostParagraph& paragraph) {
+  constexpr int kUsed = 0xA5;
+  std::memset(&paragraph.status, kUsed, sizeof paragraph.status);
+  std::memset(&paragraph.info, kUsed, sizeof paragraph.info);
+  std::memset(&paragraph.lines, kUsed, sizeof paragraph.lines);
+  std::memset(&paragraph.character, kUsed, sizeof paragraph.character);
+  std::memset(&paragraph.textLine, kUsed, sizeof paragraph.textLine);
+  std::memset(&paragraph.composed, kUsed, sizeof paragraph.composed);
+  paragraph.character.font = nullptr;
+}
+
 // FNV-1a, so that a name has the same number in every process; never 0.
 std::uint32_t NumberOfName(std::u16string_view name) {
   std::uint32_t hash = 2166136261u;
@@ -83,10 +95,11 @@ int OpenParagraph(int kind, ParagraphHandle* handle, const ParagraphPosition* po
   if (result == kFailed) return result;
 
   auto paragraph = std::make_unique<HostParagraph>();
+  paragraph->composed.placement = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
+  if (host.failures.usedRecords) FillRecords(*paragraph);
   WireRecords(*paragraph);
   paragraph->tag = ++host.lastParagraphTag;
   paragraph->position = *position;
-  paragraph->composed.placement = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
   paragraph->lines.listFlag = host.failures.listFlag ? 1 : 0;
 
   handle->tag = paragraph->tag;
@@ -161,9 +174,8 @@ void WrapLine(TextLine*, void*, std::uint32_t first, std::uint32_t last, const c
 }
 
 int edCalcCompression(list_s*) {
-  constexpr int kNoCompression = 0;
-  if (journaling) JournalCall("edCalcCompression").Result(kNoCompression);
-  return kNoCompression;
+  if (journaling) JournalCall("edCalcCompression").Result(host.compression);
+  return host.compression;
 }
 
 CFontReplacement::CFontReplacement(const char* kind) : hostData{}, skipText(0), hostTail{} {

@@ -18,8 +18,9 @@
 #include "run/import_command.h"
 
 // Back to the state of a fresh process: no settings, units 300, the system's temporary folder as base folder, no image
-// folder, the default allocator in the window registry and nothing else, every font found, no failures, no messages, no
-// journal. Paragraphs that were never released are freed. Live allocator blocks and font records stay valid.
+// folder, the default allocator in the window registry and nothing else, every font found, a compression of 0, no
+// failures, no messages, no journal. Paragraphs that were never released are freed. Live allocator blocks and font
+// records stay valid.
 void ResetHost();
 
 // --- Settings store, units, base folder
@@ -63,6 +64,9 @@ void SetHostFontMode(HostFontMode mode);
 // has just activated), and the font offered as replacement or by force, none if empty.
 void SetListedFonts(std::vector<std::u16string> names, std::u16string replacement);
 
+// Answered by edCalcCompression.
+void SetHostCompression(int compression);
+
 // --- Files
 
 // Where GetOpenFileName looks for a file of the name asked, in the encoding of the operating system. Empty: it cancels.
@@ -76,6 +80,7 @@ struct HostFailures {
   bool addFont = false;                // AddFont gives null
   bool chooseReplacementFont = false;  // ChooseReplacementFont gives null
   bool listFlag = false;               // a paragraph opens with listFlag 1
+  bool usedRecords = false;            // a paragraph opens with 0xA5 in every byte that is no address and no listFlag
   bool skipText = false;               // a CFontReplacement is made with skipText 1
   bool newBitmap = false;              // NewQXBitmap gives null
   bool createBitmap = false;           // CQXBitmap::Create answers false

@@ -80,6 +80,7 @@ void SetListedFonts(std::vector<std::u16string> names, std::u16string replacemen
   host.replacementFont = std::move(replacement);
 }
 
+void SetHostCompression(int compression) { host.compression = compression; }
 void SetHostImageFolder(std::string folder) { host.imageFolder = std::move(folder); }
 HostFailures& HostFailureSwitches() { return host.failures; }
 const std::vector<ShownMessage>& ShownMessages() { return host.messages; }

@@ -27,6 +27,7 @@ struct HostState {
   HostFontMode fontMode = HostFontMode::kAny;
   std::vector<std::u16string> listedFonts;
   std::u16string replacementFont;
+  int compression = 0;
 
   std::string imageFolder;
   HostFailures failures;

@@ -100,7 +100,22 @@ void FillRadial(double cx, double cy, double r, FillDefinition& fill, TM* forwar
   FillRadialColours(fill);
 }
 
+// As the host knows it.
+TM Identity() {
+  double m[6];
+  SetToIdentityMatrix(m);
+  return {m[0], m[1], m[2], m[3], m[4], m[5]};
+}
+
 }  // namespace
+
+FillDefinition* NewGradientFill() {
+  auto* fill = static_cast<FillDefinition*>(AllocateHostCleared(sizeof(FillDefinition)));
+  fill->inverseMatrix = Identity();
+  fill->forwardMatrix = Identity();
+  fill->fillClass = 4;
+  return fill;
+}
 
 void BeginStopList(FillDefinition& fill, unsigned type) {
   fill.fillType = type;
@@ -139,10 +154,7 @@ void OperatorGradientFill(const OperatorCall&) {
     PopNumber(&cx);
   }
   PushValue(KEY_FILL, 0);
-  auto* fill = static_cast<FillDefinition*>(AllocateHostCleared(sizeof(FillDefinition)));
-  fill->inverseMatrix = kIdentity;
-  fill->forwardMatrix = kIdentity;
-  fill->fillClass = 4;
+  FillDefinition* fill = NewGradientFill();
   TM forward;
   double angle = 0.0;
   if (linear) {

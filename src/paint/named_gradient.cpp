@@ -11,7 +11,6 @@
 #include "operators/operator_machine.h"
 #include "paint/gradient_fill.h"
 #include "run/command_queue.h"
-#include "run/host_memory.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
 
@@ -125,21 +124,24 @@ unsigned ListRgb(const NamedStop& stop) {
   return rgb.r | unsigned{rgb.g} << 8 | unsigned{rgb.b} << 16;
 }
 
-void TwoColours(FillDefinition& fill, unsigned type, const NamedStop& a, const NamedStop& b) {
-  GradientPart& gradient = fill.gradient;
+// The first stop is colour B of a linear fill and colour A of a radial one: it is meant.
+void TwoColours(const NamedGradient& gradient, FillDefinition& fill, unsigned type) {
+  GradientPart& part = fill.gradient;
   fill.fillType = type;
-  gradient.gradientForm = 3;
-  gradient.gradientFlag = 1;
-  gradient.stopListFlag = 0;
-  gradient.midPoint = 0.5;
-  const RgbBytes first = TwoColourRgb(a);
-  const RgbBytes second = TwoColourRgb(b);
-  gradient.colourA[0] = first.r;
-  gradient.colourA[1] = first.g;
-  gradient.colourA[2] = first.b;
-  gradient.colourB[0] = second.r;
-  gradient.colourB[1] = second.g;
-  gradient.colourB[2] = second.b;
+  part.gradientForm = 3;
+  part.gradientFlag = 1;
+  part.stopListFlag = 0;
+  part.midPoint = 0.5;
+  const RgbBytes first = TwoColourRgb(StopOf(gradient, 0));
+  const RgbBytes second = TwoColourRgb(StopOf(gradient, 1));
+  const RgbBytes& a = type == kLinearFill ? second : first;
+  const RgbBytes& b = type == kLinearFill ? first : second;
+  part.colourA[0] = a.r;
+  part.colourA[1] = a.g;
+  part.colourA[2] = a.b;
+  part.colourB[0] = b.r;
+  part.colourB[1] = b.g;
+  part.colourB[2] = b.b;
 }
 
 void RadialColourList(const NamedGradient& gradient, FillDefinition& fill) {
@@ -174,29 +176,24 @@ void LinearColourList(const NamedGradient& gradient, FillDefinition& fill) {
 
 void PushNamedFill(const NamedGradient& gradient, MatrixOrder order) {
   const GradientPlacement& p = run.paint.placement;
-  auto* fill = static_cast<FillDefinition*>(AllocateHostCleared(sizeof(FillDefinition)));
+  FillDefinition* fill = NewGradientFill();
   fill->fillScale = p.gradientVectorLength * -1.0;
-  fill->inverseMatrix = kIdentity;
-  fill->forwardMatrix = kIdentity;
-  fill->fillClass = 4;
   const auto [a, b, c, d] = p.gradientMatrix;
   const TM m = order == MatrixOrder::Popped ? TM{d, c, b, a, p.gradientOriginX, p.gradientOriginY}
                                             : TM{a, b, c, d, p.gradientOriginX, p.gradientOriginY};
   PlaceNamedFill(m, (p.gradientAngle - 90.0) / kDegreesPerRadian, p.gradientLength, *fill);
 
   const bool twoColours = gradient.stops.size() < 3;
-  const NamedStop first = StopOf(gradient, 0);
-  const NamedStop second = StopOf(gradient, 1);
   if (gradient.type == kLinearType) {
     const double angle = p.gradientVectorAngle + p.gradientAngle;
     if (twoColours) {
-      TwoColours(*fill, kLinearFill, second, first);
+      TwoColours(gradient, *fill, kLinearFill);
     } else {
       LinearColourList(gradient, *fill);
     }
     fill->gradient.angle = angle < 90.0 ? angle + 270.0 : angle - 90.0;
   } else if (twoColours) {
-    TwoColours(*fill, kRadialFill, first, second);
+    TwoColours(gradient, *fill, kRadialFill);
   } else {
     RadialColourList(gradient, *fill);
   }

@@ -158,6 +158,19 @@ TEST_F(HostComposer, OpensWithTheListFlagOnDemand) {
   EXPECT_NE(GetCurrentParagraphStatusAddress()->lines->listFlag, 0);
 }
 
+TEST_F(HostComposer, OpensWithRecordsOfAnotherParagraphOnDemand) {
+  HostFailureSwitches().usedRecords = true;
+  Open(100.5, 200.5);
+  const ParagraphStatus* status = GetCurrentParagraphStatusAddress();
+  EXPECT_EQ(status->lines->listFlag, 0);
+  EXPECT_EQ(status->character->font, nullptr);
+  EXPECT_EQ(std::uint32_t{status->textLine->lineMode}, 0xA5A5A5A5u);
+  EXPECT_EQ(std::uint16_t{status->character->fontCode}, 0xA5A5);
+  EXPECT_EQ(static_cast<std::uint32_t>(status->statusLimit), 0xA5A5A5A5u);
+  EXPECT_EQ(static_cast<std::uint32_t>(status->paragraphInfo->paragraphOption), 0xA5A5A5A5u);
+  EXPECT_EQ(ViewParagraph(handle.paragraph)->position.x, 100.5);
+}
+
 TEST_F(HostComposer, AResetFreesParagraphsThatNobodyReleased) {
   Open();
   CloseParagraph(1, &handle);

@@ -50,6 +50,16 @@ TEST_F(ImageElement, AnEmbeddedImageHasANameOfTheTemporaryFolderWithItsFormat) {
   EXPECT_NE(png.substr(0, png.find('.')), jpg.substr(0, jpg.find('.')));
 }
 
+TEST_F(ImageElement, APointInATemporaryFoldersNameStays) {
+  temporaryFolder += "v1.2/";
+  std::filesystem::create_directory(temporaryFolder);
+  setenv("TMPDIR", temporaryFolder.c_str(), 1);
+  EXPECT_EQ(ImportBody(Image(DataUri("png", Png()))), Lines{"GNRC"});
+  EXPECT_TRUE(TemporaryNameOfBitmap(0).starts_with("IMG"));
+  EXPECT_TRUE(TemporaryNameOfBitmap(0).ends_with(".png"));
+  EXPECT_EQ(FilesIn(temporaryFolder), FileNames{});
+}
+
 TEST_F(ImageElement, PngIsLookedForBeforeJpgAndOverTheWholeReference) {
   // What the text says is no matter for what the file holds.
   ImportBody(Image(DataUri("jpg;alt=png", Jpeg())) + Image(DataUri("jpeg", Jpeg()) + "=png") +

@@ -10,6 +10,7 @@
 
 #include "host/transparency.h"
 #include "tests/support/filter_test.h"
+#include "tests/support/host_journal.h"
 #include "tests/support/raw_record.h"
 #include "tests/support/stop_block.h"
 
@@ -300,6 +301,15 @@ TEST_F(GradientFill, AnUntransformedRadialGradientHasTheAngleMinus180) {
   ExpectMatrix(fill.forwardMatrix, {5.339649813486419e-08, -4.0, 4.0, 5.339649813486419e-08, 10.0, 80.0});
 }
 
+TEST_F(GradientFill, ANegativeRadiusKeepsItsSign) {
+  StartMachine();
+  Run("10 20 0 0 -4 1 @k");
+  const FillDefinition& fill = PayloadOf<FillDefinition>(1);
+  EXPECT_EQ(fill.fillScale, 4.0);
+  ExpectMatrix(fill.forwardMatrix, {-5.339649813486419e-08, 4.0, -4.0, -5.339649813486419e-08, 10.0, 80.0});
+  EXPECT_EQ(TransparencyOf(2).length, 4.0);
+}
+
 TEST_F(GradientFill, TheCurrentMatrixHasNoPartInARadialGradient) {
   StartMachine();
   Run("10 20 0 0 4 1 @k");
@@ -447,6 +457,30 @@ TEST_F(GradientFill, MarkerOpacitiesAreCutAndNotClamped) {
   // 0.29 * 100.0 is 28.999999999999996.
   EXPECT_EQ(Markers({{0.0, 1.5}, {0.1, 0.29}, {0.2, 0.999}, {0.3, -0.5}, {0.4, 50.0}}),
             "TSPY linear 0:150 10:28 20:99 30:-50 40:5000");
+}
+
+TEST_F(GradientFill, CallsTheHostInThisOrder) {
+  StartMachine();
+  GiveStops({{kRed, 0.0, 1.0}, {kBlue, 1.0, 0.5}});
+  const Lines markers = {"CQXShapeTransparency::AddOpacityMarker([0,100])=1",
+                         "CQXShapeTransparency::AddOpacityMarker([99,50])=2"};
+  HostJournal journal;
+  const auto calls = [&] {
+    Lines lines = Without(journal.Take(), "MemInitBaseT");
+    for (std::string& line : lines) {
+      if (line.starts_with("CQXShapeTransparency::ChangeWorldToFillTm(")) line = "matrix";
+    }
+    return lines;
+  };
+  Run("0 10 0 0 0 @k");
+  EXPECT_EQ(calls(),
+            (Lines{"SetToIdentityMatrix()", "SetToIdentityMatrix()", "IsDoubleEqual(10,0,2.220446049250313e-16)=0",
+                   "CQXTransparency::CreateTransparency(3)", "matrix"}) +
+                markers);
+  Run("0 0 0 0 5 1 @k");
+  EXPECT_EQ(calls(), (Lines{"SetToIdentityMatrix()", "SetToIdentityMatrix()", "CQXTransparency::CreateTransparency(4)",
+                            "matrix"}) +
+                         markers);
 }
 
 // --- What it leaves behind

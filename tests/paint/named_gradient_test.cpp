@@ -6,6 +6,7 @@
 #include "host/fills.h"
 #include "platform/narrow_text.h"
 #include "tests/support/filter_test.h"
+#include "tests/support/host_journal.h"
 
 namespace {
 
@@ -275,6 +276,16 @@ TEST_F(NamedGradients, VectorWithoutLengthComparesItsEndsYWithItsStartsX) {
   }
 }
 
+TEST_F(NamedGradients, AFillCallsTheHostInThisOrder) {
+  Add(u"g", kLinear, {Gray(0), Gray(0), Gray(0)}, {0, 50, 100});
+  HostJournal journal;
+  Use("g");
+  const std::string conversion = "VectorCMYKtoRGB(0,0,0,255)=0";
+  EXPECT_EQ(Without(journal.Take(), "MemInitBaseT"),
+            (Lines{"SetToIdentityMatrix()", "SetToIdentityMatrix()", "IsDoubleEqual(20,0,2.220446049250313e-16)=0",
+                   conversion, conversion, conversion}));
+}
+
 // --- Two colours
 
 TEST_F(NamedGradients, FewerThanThreeStopsMakeTwoColours) {
@@ -304,6 +315,18 @@ TEST_F(NamedGradients, FewerThanThreeStopsMakeTwoColours) {
       EXPECT_EQ(gradient.colourA[i] + 0, c.a[i]);
       EXPECT_EQ(gradient.colourB[i] + 0, c.b[i]);
     }
+  }
+}
+
+TEST_F(NamedGradients, TwoColoursAreConvertedInTheOrderOfTheStops) {
+  const std::vector<NamedStop> stops = {Inks(1, 2, 3, 4), Inks(0x105, 6, 7, 0xFF08)};
+  Add(u"l", kLinear, stops, {0, 100});
+  Add(u"c", kRadial, stops, {0, 100});
+  for (const char* name : {"l", "c"}) {
+    SCOPED_TRACE(name);
+    HostJournal journal;
+    Use(name);
+    EXPECT_EQ(Only(journal.Take(), "BmpCMYKtoRGB"), (Lines{"BmpCMYKtoRGB(1,2,3,4)", "BmpCMYKtoRGB(5,6,7,8)"}));
   }
 }
 
@@ -445,6 +468,35 @@ TEST_F(NamedSpotFills, GoOutBehindTheirColour) {
   EXPECT_EQ(colour.space, kCmykSpace);
   EXPECT_EQ(colour.reflectivity, 0);
   EXPECT_FALSE(colour.tint);
+}
+
+// Colours pass by value, so that they are copied on their way.
+TEST_F(NamedSpotFills, CallTheHostInThisOrder) {
+  HostJournal journal;
+  Use("s", 90);
+  Lines calls = Without(Without(journal.Take(), "MemInitBaseT"), "CQXColor::~CQXColor");
+  calls = Without(calls, "CQXColor::CQXColor()");
+  // 0x281E140A and three markers; 20 times the identity at (5, 10), inverted, with the minus of its sine.
+  EXPECT_EQ(calls, (Lines{"CQXSpotFill::operator new(688)",
+                          "CQXLinearSpotFill::CQXLinearSpotFill()",
+                          "CQXColor::CQXColor(673059850,3,5,0)",
+                          "CQXColor::SetCartridge(0)",
+                          "CQXColor::SetTint(100)",
+                          "CQXSpotFill::AddFromColorMarker([10,50])",
+                          "CQXSpotFill::AddFromColorMarker([30,60])",
+                          "CQXSpotFill::AddFromColorMarker([60,70])",
+                          "IsDoubleEqual(20,0,2.220446049250313e-16)=0",
+                          "CQXGradientFill::ChangeFillAngle(0)",
+                          "CQXGradientFill::ChangeXOffset(0)",
+                          "CQXGradientFill::ChangeYOffset(0)",
+                          "CQXGradientFill::ChangeWorldToFillTm([0.05,0,-0,0.05,-0.25,-0.5])",
+                          "CQXSpotFill::ChangeFromColor()",
+                          "CQXColor::CQXColor(4294967295,1,0,0)",
+                          "CQXSpotFill::ChangeToColor()",
+                          "CQXSpotFill::ChangeDuotone(0)",
+                          "CQXGradientFill::ChangeFillLengthRatio(-20)",
+                          "CQXFullColor::CQXFullColor(673059850,3,5,0)",
+                          "CQXFullColor::SetColorName(Rot)"}));
 }
 
 TEST_F(NamedSpotFills, FadeFromTheFirstColourToTheInvisibleOne) {

@@ -1,7 +1,6 @@
 #include "run/trace.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -9,7 +8,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
@@ -18,7 +16,10 @@
 #include "host/colour.h"
 #include "host/polygon.h"
 #include "host/transparency.h"
+#include "operators/operator_machine.h"
 #include "run/command_queue.h"
+#include "tests/headless_host/sample_images.h"
+#include "tests/support/debug_log_folder.h"
 #include "tests/support/filter_test.h"
 
 namespace {
@@ -276,40 +277,11 @@ TEST_F(Trace, AWriteThatFallsShortSilencesAllThatFollow) {
 
 namespace {
 
-// The logs have a fixed place that every process of the machine shares: one test at a time, and what was there before
-// comes back.
 class DebugLogs : public FilterTest {
  protected:
-  DebugLogs() : lock_(open("/tmp/svgimport-debug-logs.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-    flock(lock_, LOCK_EX);
-    kept_ = std::filesystem::exists(kFolder);
-    if (kept_) std::filesystem::rename(kFolder, kAside);
-    SetHostSetting(u"ZENTAL", u"debug", 1);
-  }
-  ~DebugLogs() override {
-    std::filesystem::remove_all(kFolder);
-    if (kept_) std::filesystem::rename(kAside, kFolder);
-    close(lock_);
-  }
+  DebugLogs() { SetHostSetting(u"ZENTAL", u"debug", 1); }
 
-  static void MakeFolder() { std::filesystem::create_directory(kFolder); }
-  static void Write(const std::string& name, std::string_view text) {
-    std::ofstream(kFolder + ("/" + name), std::ios::binary) << text;
-  }
-  static std::string Read(const std::string& name) {
-    std::ifstream file(kFolder + ("/" + name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  static std::size_t FilesInFolder() {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(kFolder), {}));
-  }
-
-  static inline const std::string kFolder = "/tmp/svgimport";
-  static inline const std::string kAside = "/tmp/svgimport-aside";
-
- private:
-  int lock_;
-  bool kept_;
+  DebugLogFolder logs;
 };
 
 const std::string kOpeningLines = "KEY_FILL\r\nFILL is solid\r\nKEY_FILL\r\nFILL is solid\r\nKEY_CNST\r\nKEY_MLIM\r\n";
@@ -318,41 +290,131 @@ const std::string kClosingLines = " Starting close file\r\n Collapse clip group\
 }  // namespace
 
 TEST_F(DebugLogs, HoldEveryRecordThatWasReturnedAndTheThreeLinesOfTheEnd) {
-  MakeFolder();
+  logs.Make();
   ImportBody("<g/>");
   GetImportCommand();
   CloseFile();
   // The depths are those of the end of the translation.
-  EXPECT_EQ(Read("discio.txt"), kOpeningLines +
-                                    "KEY_SGRP  -----------count=0\r\nKEY_EGRP  -----------count=0\r\nKEY_ENDF\r\n"
-                                    "KEY_ENDF\r\n" +
-                                    kClosingLines);
-  EXPECT_EQ(Read("test.txt"), "");
-  EXPECT_EQ(Read("parse.txt"), "");
-  EXPECT_EQ(FilesInFolder(), 3u);
+  EXPECT_EQ(logs.Read("discio.txt"), kOpeningLines +
+                                         "KEY_SGRP  -----------count=0\r\nKEY_EGRP  -----------count=0\r\nKEY_ENDF\r\n"
+                                         "KEY_ENDF\r\n" +
+                                         kClosingLines);
+  EXPECT_EQ(logs.Read("test.txt"), "");
+  EXPECT_EQ(logs.Read("parse.txt"), "");
+  EXPECT_EQ(logs.CountOfFiles(), 3u);
+}
+
+// One of each: a path with curve and paints, a spot fill and the overprints by operators, the keys that nothing sends
+// by hand, all else from a drawing. One user unit is 0.1 host units and y becomes 10 - y / 10. The operators leave one
+// push, two groups and three compound paths open, and these are the counts on every line.
+TEST_F(DebugLogs, HoldTheLinesOfEveryKey) {
+  logs.Make();
+  ASSERT_TRUE(sample_images::WriteBytes(folder + "a.png", sample_images::PngOfOneColour(1, 1, {1, 2, 3, 255})));
+  ASSERT_EQ(Check(Document("<defs><linearGradient id='g'/><clipPath id='c'/>"
+                           "<pattern id='p'><image xlink:href='a.png'/></pattern></defs>"
+                           "<g style='stroke:#000000;stroke-width:2'/>"
+                           "<text style='fill:none'>a</text>"
+                           "<rect width='10' height='20' style='fill:url(#g);opacity:0.5'/>"
+                           "<rect width='10' height='20' style='fill:url(#p)'/>"
+                           "<image xlink:href='a.png' clip-path='url(#c)'/>")),
+            1);
+  run.namedGradients.push_back({u"spot", 0, 1, {{255, 0, 0, 51, 100, u""}}, {0.0}});
+  FeedOperatorText(u"1 O 0 R 0.5 0.25 0.125 0 k 0 0 0 1 K 10 20 M 30 40 L 50 60 70 80 90 100 C B", kExecute);
+  FeedOperatorText(u"0 (spot) 0 0 90 10 1 0 0 1 0 0 Bg gs u u *u *u *u", kExecute);
+  PushCommand(KEY_ELLI);
+  PushValue(KEY_PAGN, 12);
+  PushCommand(KEY_QXON);
+  ImportCommand record;
+  do {
+    record = GetImportCommand();
+    ReleaseCommand(record);
+  } while (record.key != KEY_ENDF);
+  CloseFile();
+
+  // The fill stays the colour of the k operator, which is solid, and so does the outline.
+  const std::string replay =
+      "KEY_WIDT   is   0.000000\r\nKEY_THST thickness ERROR\r\nKEY_OUTL\r\nKEY_FILL\r\nFILL is solid\r\n"
+      "KEY_LNST\r\nKEY_CNST\r\n";
+  const std::string expected = kOpeningLines +
+                               "KEY_LYOT  AI overprint fill O cammand \r\n"
+                               "KEY_LIOT overprint stroke R command \r\n"
+                               "KEY_PATH     PathCount=3\r\n"
+                               "KEY_LINE 1.000000 8.000000 3.000000 6.000000\r\n"
+                               "KEY_BEZI\r\n3.000000 6.000000 5.000000 4.000000 7.000000 2.000000 9.000000 0.000000\r\n"
+                               "KEY_NFIL\r\n     Process\r\n0.500000 0.250000 0.125000 0.000000\r\n"
+                               "KEY_NOTL\r\n     Process\r\n0.000000 0.000000 0.000000 1.000000\r\n"
+                               "KEY_ENDP     PathCount=3\r\n"
+                               "KEY_FDEF  FT_LAYER_COLOR \r\n"
+                               // Inks of 255 and 51 of 255.
+                               "KEY_FILL\r\nFILL is solid\r\n"
+                               "KEY_NFIL\r\n     Process\r\n1.000000 0.000000 0.000000 0.200000\r\n"
+                               "KEY_SPFL\r\n"
+                               "KEY_SGRP  -----------count=2\r\n"
+                               "KEY_SGRP  -----------count=2\r\n"
+                               "KEY_ELLI\r\n"
+                               "KEY_PAGN===12\r\n"
+                               "KEY_QXON\r\n"
+                               // The group.
+                               "KEY_SGRP  -----------count=2\r\n"
+                               "KEY_OUTL\r\n"
+                               "KEY_THST thickness THICK\r\n"
+                               "KEY_WIDT   is   0.200000\r\n"
+                               "KEY_EGRP  -----------count=2\r\n" +
+                               // The text.
+                               replay +
+                               "KEY_THST thickness HAIR\r\n"
+                               "KEY_WIDT   is   0.000100\r\n"
+                               "KEY_FILL\r\nFILL is INVISABLE\r\n"
+                               "KEY_PARA\r\n" +
+                               // The gradient, half transparent, and the return to the opaque frame below.
+                               replay +
+                               "KEY_FILL\r\nFILL is solid\r\n"
+                               "KEY_FDEF  FT_FULL  GRADIENT \r\n"
+                               "KEY_TSPY  0c\r\n"
+                               "KEY_TSPY  127c\r\n"
+                               "KEY_PLYR\r\n4 Sides\r\n"
+                               "KEY_TSPY  255c\r\n" +
+                               // The pattern, whose own records print nothing.
+                               replay +
+                               "KEY_PLYR\r\n4 Sides\r\n"
+                               // The image in its clip.
+                               "KEY_SCGR-----------count=1\r\n"
+                               "KEY_WIDT   is   0.000000\r\n"
+                               "KEY_THST thickness NONE\r\n"
+                               "KEY_FILL\r\nFILL is INVISABLE\r\n"
+                               "KEY_OUTL\r\nOUTLINE is INVISABLE\r\n"
+                               "KEY_CLIP\r\n    Clip Path = 1\r\n"
+                               "KEY_CLIP\r\n    Clip Path = 0\r\n"
+                               "KEY_DOCP\r\n    Clip Allow = 1\r\n"
+                               "KEY_GNRC\r\n"
+                               "KEY_DOCP\r\n    Clip Allow = 0\r\n"
+                               "KEY_ECGR-----------count=1\r\n"
+                               "KEY_ENDF\r\n" +
+                               kClosingLines;
+  EXPECT_EQ(logs.Read("discio.txt"), expected);
 }
 
 TEST_F(DebugLogs, LeaveOutANullRecordThatIsReturned) {
-  MakeFolder();
+  logs.Make();
   ASSERT_EQ(Check(Document("<defs/>")), 1);
   Drain();
   PushCommand(KEY_NULL);
   PushCommand(KEY_NULL);
   EXPECT_EQ(GetImportCommand().key, KEY_NULL);
-  EXPECT_EQ(Read("discio.txt"), "");
+  EXPECT_EQ(logs.Read("discio.txt"), "");
 }
 
 TEST_F(DebugLogs, AreEmptiedByTheNextRun) {
-  MakeFolder();
-  for (const char* name : {"test.txt", "parse.txt", "discio.txt"}) Write(name, std::string(10000, 'x'));
+  logs.Make();
+  for (const char* name : {"test.txt", "parse.txt", "discio.txt"}) logs.Write(name, std::string(10000, 'x'));
   ImportBody("<defs/>");
-  EXPECT_EQ(Read("test.txt"), "");
-  EXPECT_EQ(Read("parse.txt"), "");
-  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+  EXPECT_EQ(logs.Read("test.txt"), "");
+  EXPECT_EQ(logs.Read("parse.txt"), "");
+  EXPECT_EQ(logs.Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
 }
 
 TEST_F(DebugLogs, AreOpenBetweenCheckFileAndCloseFile) {
-  MakeFolder();
+  logs.Make();
   ASSERT_EQ(Check(Document("<g/>")), 1);
   const TraceLog open = run.trace;
   EXPECT_EQ(open.TraceHandle, open.DiscioLog);
@@ -369,10 +431,10 @@ TEST_F(DebugLogs, MakeNoFolderAndCostNothingWithoutOne) {
   EXPECT_EQ(run.trace.DiscioLog, -1);
   EXPECT_EQ(run.trace.TraceFailed, 1u);
   CloseFile();
-  EXPECT_FALSE(std::filesystem::exists(kFolder));
+  EXPECT_FALSE(logs.Exists());
 
   ResetImportRun();
-  MakeFolder();
+  logs.Make();
   EXPECT_EQ(ImportBody(drawing), traced);
   CloseFile();
 
@@ -382,41 +444,41 @@ TEST_F(DebugLogs, MakeNoFolderAndCostNothingWithoutOne) {
 }
 
 TEST_F(DebugLogs, AreNotTouchedUnlessDebugIsOne) {
-  MakeFolder();
-  Write("discio.txt", "old");
+  logs.Make();
+  logs.Write("discio.txt", "old");
   for (int debug : {0, 2, -1}) {
     SCOPED_TRACE(debug);
     ResetImportRun();
     SetHostSetting(u"ZENTAL", u"debug", debug);
     ImportBody("<g/>");
     CloseFile();
-    EXPECT_EQ(Read("discio.txt"), "old");
-    EXPECT_EQ(FilesInFolder(), 1u);
+    EXPECT_EQ(logs.Read("discio.txt"), "old");
+    EXPECT_EQ(logs.CountOfFiles(), 1u);
   }
 }
 
 TEST_F(DebugLogs, StartWithTheLatchOff) {
-  MakeFolder();
+  logs.Make();
   run.trace.TraceFailed = 1;
   ImportBody("<defs/>");
-  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+  EXPECT_EQ(logs.Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
 }
 
 TEST_F(DebugLogs, LoseTheLinesOfTheEndWhenTheTraceHasFailed) {
-  MakeFolder();
+  logs.Make();
   ImportBody("<defs/>");
   run.trace.TraceFailed = 1;
   const int log = run.trace.DiscioLog;
   CloseFile();
-  EXPECT_EQ(Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
+  EXPECT_EQ(logs.Read("discio.txt"), kOpeningLines + "KEY_ENDF\r\n");
   EXPECT_EQ(fcntl(log, F_GETFD), -1);
 }
 
 TEST_F(DebugLogs, AreNotOpenedThroughALink) {
-  MakeFolder();
+  logs.Make();
   const std::string target = folder + "target.txt";
   std::ofstream(target) << "precious";
-  std::filesystem::create_symlink(target, kFolder + "/discio.txt");
+  std::filesystem::create_symlink(target, logs.File("discio.txt"));
   ImportBody("<defs/>");
   CloseFile();
   std::ifstream file(target);
@@ -424,8 +486,8 @@ TEST_F(DebugLogs, AreNotOpenedThroughALink) {
 }
 
 TEST_F(DebugLogs, AreNotOpenedWhenTheDocumentIsRefused) {
-  MakeFolder();
+  logs.Make();
   EXPECT_EQ(Check("<svg>"), 0);
   CloseFile();
-  EXPECT_EQ(FilesInFolder(), 0u);
+  EXPECT_EQ(logs.CountOfFiles(), 0u);
 }

@@ -138,6 +138,13 @@ TEST_F(InlineCodes, AHeightWithoutAnXIsAbsolute) {
   EXPECT_EQ(run.text.FontSize, 1500.0);
 }
 
+TEST_F(InlineCodes, AnAbsoluteHeightIsExactToTheLastBit) {
+  run.UnitScale = kScale;
+  Compose(u"\\H3;ab");
+  EXPECT_EQ(run.text.FontSize, (1000.0 / (2.54 / kScale)) * 3.0);
+  EXPECT_NE(run.text.FontSize, 3.0 * 1000.0 * kScale / 2.54);
+}
+
 TEST_F(InlineCodes, AHeightChangeFlushesTheTextBeforeIt) {
   Compose(u"a\\H2x;b\\H3x;c\\H1;d");
   EXPECT_EQ(Runs(), (Lines{"a|arial|100", "b|arial|200", "c|arial|600", "d|arial|500"}));

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "tests/text/text_fixture.h"
 
@@ -88,6 +89,14 @@ TEST_F(Paragraph, FixedValuesOfTheRecords) {
   EXPECT_EQ(paragraph.compression, 0);
 }
 
+TEST_F(Paragraph, OfTheCompressionTheLow16BitsAreKept) {
+  for (const auto& [answered, kept] : {std::pair{0x1234, 0x1234}, {0x12345, 0x2345}, {-1, 0xFFFF}}) {
+    SetHostCompression(answered);
+    Compose(u"a");
+    EXPECT_EQ(Paragraphs().at(0).compression, kept);
+  }
+}
+
 TEST_F(Paragraph, HeightIsTheFontSizeInSinglePrecision) {
   run.text.FontSize = 0.1;
   Compose(u"a");
@@ -128,6 +137,36 @@ TEST_F(Paragraph, TheStateOfTheCharactersIsSetBehindTheSearchForTheFont) {
   EXPECT_EQ(status->textLine->lineFlags, 0);
   EXPECT_EQ(status->textLine->lineMode, 0x112u);  // the low byte and bit 8
   EXPECT_EQ(status->textLine->compression, 0);    // as the host answers
+}
+
+// 0xA5A5A5A5 loses all but its second byte when the paragraph is opened, and then that byte too.
+TEST_F(Paragraph, TheRecordsOfAnotherParagraphLeaveNothingBehind) {
+  HostFailureSwitches().usedRecords = true;
+  SetHostFontMode(HostFontMode::kListed);
+  FontManagerDouble manager({2});
+  const ParagraphStatus* status = nullptr;
+  manager.whenAsked = [&] {
+    status = GetCurrentParagraphStatusAddress();
+    EXPECT_EQ(status->textLine->lineMode, 0xA500u);
+    EXPECT_EQ(status->textLine->originY, static_cast<double>(static_cast<float>(2.0 / 2.54 * 1000.0)));
+  };
+  EXPECT_EQ(Compose(u"a"), Lines{"PARA \"a\""});
+  ASSERT_NE(status, nullptr);
+  const ParagraphView paragraph = Paragraphs().at(0);
+  EXPECT_EQ(paragraph.paragraphOption, 0);
+  EXPECT_EQ(paragraph.statusLimit, 1300);
+  EXPECT_EQ(paragraph.listMeasure, 1300.0);
+  EXPECT_EQ(paragraph.lineMode, 0x100u);
+  EXPECT_EQ(paragraph.lineFlags, 0);
+  EXPECT_EQ(paragraph.compression, 0);
+  EXPECT_EQ(paragraph.charScale, 1000);
+  EXPECT_EQ(paragraph.fontCode, 0);
+  EXPECT_EQ(paragraph.height, 100.0);
+  EXPECT_EQ(status->character->heightCopy, 100.0);
+  EXPECT_EQ(status->character->charOptionA, 0);
+  EXPECT_EQ(status->character->charOptionB, 0u);
+  EXPECT_EQ(paragraph.placement.e, 0.0);
+  EXPECT_EQ(paragraph.placement.f, 0.0);
 }
 
 TEST_F(Paragraph, TheSettingPointJustifyIsSwitchedOffForEachParagraph) {

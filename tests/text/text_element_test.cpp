@@ -345,6 +345,7 @@ TEST_F(TextElement, TheLastUnitReadDecidesForBothCoordinates) {
       {"x='10' y='20'", 10.0 * kScale, 80.0 * kScale},
       {"x='10mm' y='20mm'", 1.0, 8.0},
       {"x='10MM' y='20Mm'", 1.0, 8.0},
+      {"x='3mm' y='94mm'", 0.3, 0.6},  // divided: a tenth of either is the next number up
       {"x='10pt' y='20pt'", 10.0, 80.0},
       {"x='10px' y='20px'", 10.0, 80.0},
       {"x='10in' y='20in'", 10.0, 80.0},

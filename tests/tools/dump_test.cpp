@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "tests/headless_host/sample_images.h"
+#include "tests/support/debug_log_folder.h"
 #include "tests/tools/tool_process.h"
 
 using namespace tool_tests;
@@ -286,6 +287,43 @@ TEST_F(Dump, SettingsReachTheFilter) {
   // A point is 2.54 / 72 centimetres.
   ASSERT_EQ(without.LinesWith("KEY_LINE").size(), 1u);
   EXPECT_NE(without.LinesWith("KEY_LINE")[0].find("\"points\":[[0,3.5277777777777777],"), std::string::npos);
+}
+
+TEST_F(Dump, TheTraceIsWrittenWhereItsFolderExists) {
+  const std::string drawing = "<svg height=\"100\"><g opacity=\"0.5\"><line x2=\"1\" y2=\"2\"/></g></svg>";
+  const ToolResult untraced = DumpText(drawing);
+  EXPECT_EQ(untraced.status, 0);
+  const DebugLogFolder logs;
+  EXPECT_EQ(DumpText(drawing, {"--set", "ZENTAL/debug=1"}).out, untraced.out);
+  EXPECT_FALSE(logs.Exists());
+  logs.Make();
+  EXPECT_EQ(DumpText(drawing, {"--set", "ZENTAL/debug=0"}).out, untraced.out);
+  EXPECT_EQ(logs.CountOfFiles(), 0u);
+  const ToolResult traced = DumpText(drawing, {"--set", "ZENTAL/debug=1", "--set", "ZENTAL/Units=0"});
+  EXPECT_EQ(traced.status, 0);
+  EXPECT_EQ(traced.err, "");
+  EXPECT_EQ(logs.CountOfFiles(), 3u);
+  // A unit is a point, 2.54 / 72 = 0.035278 centimetres: y 100 is at 3.527778, and y 2 under it at 3.457222. The width
+  // of the group's attribute is that of a hairline of 1.
+  EXPECT_EQ(logs.Read("discio.txt"),
+            "KEY_FILL\r\nFILL is solid\r\nKEY_FILL\r\nFILL is solid\r\nKEY_CNST\r\nKEY_MLIM\r\n"
+            "KEY_SGRP  -----------count=0\r\nKEY_TSPY  127c\r\nKEY_THST thickness HAIR\r\n"
+            "KEY_WIDT   is   0.035278\r\nKEY_PATH     PathCount=0\r\n"
+            "KEY_LINE 0.000000 3.527778 0.035278 3.457222\r\nKEY_ENDP     PathCount=0\r\n"
+            "KEY_FDEF  FT_LAYER_COLOR \r\nKEY_EGRP  -----------count=0\r\nKEY_TSPY  255c\r\nKEY_ENDF\r\n"
+            " Starting close file\r\n Collapse clip group\r\nEnding Close file\r\n");
+  EXPECT_EQ(logs.Read("test.txt"), "");
+  EXPECT_EQ(logs.Read("parse.txt"), "");
+}
+
+TEST_F(Dump, TextOutsideAsciiIsTheSameInTheRuns) {
+  // Accents, Greek, Chinese and an emoji, which takes two units.
+  const std::string text = "\xC3\xA9 \xC3\x9F \xCE\xB1\xCE\xA9 \xE6\xBC\xA2\xE5\xAD\x97 \xF0\x9F\x98\x80";
+  const std::vector<std::string> paragraphs =
+      DumpText("<svg height=\"100\"><text>" + text + "</text></svg>").LinesWith("KEY_PARA");
+  ASSERT_EQ(paragraphs.size(), 1u);
+  EXPECT_NE(paragraphs[0].find("\"runs\":[{\"text\":\"" + text + "\",\"font\":\"arial\""), std::string::npos)
+      << paragraphs[0];
 }
 
 TEST_F(Dump, FontsAreThoseOfTheMode) {
