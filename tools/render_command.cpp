@@ -2,16 +2,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
+#include <string_view>
 
 #include "headless_host/headless_host.h"
 #include "preview/image_file.h"
-#include "tools/document_page.h"
+#include "tools/guarded_child.h"
 #include "tools/import_document.h"
 #include "tools/option_values.h"
 #include "tools/output_file.h"
+#include "tools/render_document.h"
 
 namespace {
 
@@ -19,6 +24,7 @@ using preview::ImageFormat;
 
 struct RenderOptions {
   ImportOptions import;
+  Limits limits;
   std::string output;
   std::string format;
   double width = 0.0, height = 0.0;  // 0: not given
@@ -50,6 +56,63 @@ ImageFormat FormatNamed(const std::string& name) {
   return name == "svg" ? ImageFormat::kSvg : ImageFormat::kPng;
 }
 
+// A file in memory.
+class MemoryFile {
+ public:
+  MemoryFile() : stream_(open_memstream(&bytes_, &size_)) {}
+  ~MemoryFile() {
+    Close();
+    std::free(bytes_);
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  std::FILE* Stream() { return stream_; }  // null when there is no memory for it
+  // False when not everything found room. Bytes() holds from here on.
+  bool Close() {
+    std::FILE* stream = stream_;
+    stream_ = nullptr;
+    return stream == nullptr || std::fclose(stream) == 0;
+  }
+  std::string_view Bytes() const { return {bytes_, size_}; }
+
+ private:
+  char* bytes_ = nullptr;
+  std::size_t size_ = 0;
+  std::FILE* stream_;
+};
+
+int DrawDocument(const RenderOptions& options, const ImportedDocument& document) {
+  document.PrepareHost();
+  preview::StreamDrawer drawer;
+  if (const int status = document.Import([&](const ImportCommand& command) {
+        drawer.Take(command);
+        ReleaseCommand(command);
+      });
+      status != kExitDone) {
+    return status;
+  }
+  MemoryFile picture;
+  if (picture.Stream() == nullptr) throw std::bad_alloc();
+  const std::string failure = WriteDocumentImage(document, drawer, options.image, picture.Stream());
+  if (!picture.Close()) throw std::bad_alloc();
+  if (!failure.empty()) {
+    Complain(document.ShownName() + ": " + failure);
+    return kExitNotImported;
+  }
+
+  // Only now, so that a document of which there is no picture leaves one of before as it is.
+  OutputFile output;
+  if (!output.Open(options.output)) {
+    Complain(options.output + ": " + std::strerror(errno));
+    return kExitUsage;
+  }
+  std::fwrite(picture.Bytes().data(), 1, picture.Bytes().size(), output.Stream());
+  if (output.Close()) return kExitDone;
+  Complain(output.Name() + ": " + std::strerror(errno));
+  return kExitNotImported;
+}
+
 int Render(RenderOptions& options) {
   const std::string format = FormatName(options);
   if (format.empty()) {
@@ -64,31 +127,7 @@ int Render(RenderOptions& options) {
 
   const ImportedDocument document(options.import);
   if (document.Status() != kExitDone) return document.Status();
-  document.PrepareHost();
-  if (const auto page = MeasureDocument(document.Path())) image.page = {0.0, 0.0, page->width, page->height, false};
-  preview::StreamDrawer drawer;
-  if (const int status = document.Import([&](const ImportCommand& command) {
-        drawer.Take(command);
-        ReleaseCommand(command);
-      });
-      status != kExitDone) {
-    return status;
-  }
-
-  // Only now, so that a document that cannot be imported leaves a picture of before as it is.
-  OutputFile output;
-  if (!output.Open(options.output)) {
-    Complain(options.output + ": " + std::strerror(errno));
-    return kExitUsage;
-  }
-  const std::string failure = preview::WriteImage(drawer, image, output.Stream());
-  if (!output.Close()) {
-    Complain(output.Name() + ": " + std::strerror(errno));
-    return kExitNotImported;
-  }
-  if (failure.empty()) return kExitDone;
-  Complain(document.ShownName() + ": " + failure);
-  return kExitNotImported;
+  return RunGuarded(options.limits, document.ShownName(), [&] { return DrawDocument(options, document); });
 }
 
 // A number above 0 and not above `largest`.
@@ -135,13 +174,17 @@ void AddRenderCommand(CLI::App& app, int& status) {
       ->check([](const std::string& text) {
         return IsTransparent(text) || preview::IsColour(text) ? std::string() : "'" + text + "' is not a colour";
       });
+  AddLimitOptions(*render, options->limits);
   render->footer(
       "The page is the width and height of the root element, as numbers times the import's unit (1/90 inch, or a\n"
       "millimetre), whatever their own units say; where one of them is missing, it is what the drawing covers, and 10 "
       "by\n"
       "10 centimetres if there is nothing to see. No side of a picture can be longer than 32767 pixels or points, and\n"
       "no PNG larger than 100 million pixels.\n\n"
-      "Exit status: 0 drawn, 1 not imported or not drawn, 2 wrong arguments or files, 3 an error left the filter.\n\n"
+      "Import and drawing run in a process of their own. A picture of before is replaced only by one that was drawn.\n"
+      "Exit status: 0 drawn, 1 not imported, drawn or written, 2 wrong arguments or files, 3 an error left the "
+      "filter,\n"
+      "or the work crashed or went beyond a limit.\n\n"
       "Examples:\n"
       "  svgimport render drawing.svg -o drawing.png\n"
       "  svgimport render --width 800 --background white drawing.svg -o drawing.png\n"

@@ -24,6 +24,15 @@ class Isolation : public ToolTest {
     return Run("svgimport", std::move(arguments));
   }
 
+  // Draws over a picture of before, or to standard output if `output` is "-".
+  ToolResult RenderNamed(const std::string& name, const std::string& output) {
+    WriteText(folder.File(name), "");
+    WriteText(folder.File("out.png"), "before");
+    std::vector<std::string> arguments = {"render", "--filter", HostileFilter(), name, "-o", output};
+    if (name == "hang.svg") arguments.insert(arguments.end(), {"--time-limit", "0.3"});
+    return Run("svgimport", std::move(arguments));
+  }
+
   static std::string HostileFilter() { return std::string(SVGIMPORT_LIB_DIR) + "/libsvgimport-hostile-filter.so"; }
   bool TemporaryFolderIsEmpty() const { return std::filesystem::is_empty(temporary.Path()); }
 };
@@ -70,6 +79,26 @@ TEST_F(Isolation, AFilterThatLeavesTheProcessDoesNotPassForAnImport) {
   const ToolResult result = DumpNamed("quit.svg");
   EXPECT_EQ(result.status, 3);
   EXPECT_EQ(result.err, "svgimport: quit.svg: the import was ended: it ended with exit status 0\n");
+}
+
+TEST_F(Isolation, ADrawingOfAnImportThatDoesNotEndLeavesThePictureOfBefore) {
+  const std::pair<std::string, std::string> ends[] = {{"crash.svg", "it crashed (signal 11)"},
+                                                      {"hang.svg", "it took more than 0.3 s"},
+                                                      {"quit.svg", "it ended with exit status 0"}};
+  for (const auto& [name, why] : ends) {
+    const ToolResult result = RenderNamed(name, "out.png");
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.err, "svgimport: " + name + ": the import was ended: " + why + "\n");
+    EXPECT_EQ(ReadText(folder.File("out.png")), "before");
+  }
+  EXPECT_TRUE(TemporaryFolderIsEmpty());
+  EXPECT_EQ(RenderNamed("good.svg", "out.png").status, 0);
+  EXPECT_TRUE(ReadText(folder.File("out.png")).starts_with("\x89PNG"));
+}
+
+TEST_F(Isolation, NothingOfADrawingThatIsEndedReachesStandardOutput) {
+  EXPECT_EQ(RenderNamed("crash.svg", "-").out, "");
+  EXPECT_TRUE(RenderNamed("good.svg", "-").out.starts_with("\x89PNG"));
 }
 
 TEST_F(Isolation, NoLimitIsWrittenAs0) {

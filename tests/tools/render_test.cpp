@@ -145,10 +145,12 @@ TEST_F(Render, ADocumentThatIsRefusedLeavesThePictureOfBefore) {
 }
 
 TEST_F(Render, APageThatIsTooLargeIsAnErrorWithTheNameOfTheFile) {
+  WriteText(folder.File("out.png"), "before");
   const ToolResult result = RunRender({"-", "-o", "out.png"}, "<svg width=\"1e6\" height=\"10\"><defs/></svg>");
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(result.err.starts_with("svgimport: standard input: the picture would be 1066667 by 11 pixels"))
       << result.err;
+  EXPECT_EQ(ReadText(folder.File("out.png")), "before");
 }
 
 TEST_F(Render, AFileThatCannotBeOpenedIsSaidSo) {
