@@ -272,12 +272,93 @@ TEST_F(Batch, StreamsOfFilesOfTheSameNameDoNotMeet) {
                                    outside.substr(1) + ".jsonl", fullTwin + ".jsonl"}));
 }
 
-TEST_F(Batch, AFileThatIsNotImportedLeavesNoStream) {
+TEST_F(Batch, PicturesAreDrawnAsRenderDrawsThem) {
+  Save("d/a.svg", "<svg width=\"90\" height=\"90\"><rect x=\"1\" y=\"2\" width=\"30\" height=\"40\"/></svg>");
+  const ToolResult result = RunBatch({"d", "--render", "out/pictures"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_STREQ(Results(result.out).at("d/a.svg")["picture"].GetString(), "out/pictures/d/a.svg.png");
+  EXPECT_EQ(FilesBelow("out"), std::set<std::string>{"pictures/d/a.svg.png"});
+  const std::string picture = ReadText(folder.File("out/pictures/d/a.svg.png"));
+  EXPECT_TRUE(picture.starts_with("\x89PNG"));
+  EXPECT_EQ(picture, Run("svgimport", {"render", "d/a.svg", "-o", "-"}).out);
+}
+
+TEST_F(Batch, APictureThatCannotBeDrawnIsAFailureOfItsFile) {
+  Save("good.svg");
+  Save("large.svg", "<svg width=\"1e6\" height=\"10\"><defs/></svg>");
+  const ToolResult result = RunBatch({"good.svg", "large.svg", "--render", "out", "--dump", "out"});
+  EXPECT_EQ(result.status, 1);
+  const auto results = Results(result.out);
+  EXPECT_EQ(Statuses(result.out), (Names{{"good.svg", "accepted"}, {"large.svg", "failed"}}));
+  const std::string reason = results.at("large.svg")["reason"].GetString();
+  EXPECT_TRUE(reason.starts_with("out/large.svg.png: the picture would be 1066667 by 11 pixels")) << reason;
+  EXPECT_FALSE(results.at("large.svg").HasMember("picture"));
+  EXPECT_EQ(FilesBelow("out"), (std::set<std::string>{"good.svg.jsonl", "good.svg.png"}));
+}
+
+TEST_F(Batch, APictureThatCannotBeWrittenIsAFailureOfItsFile) {
+  Save("a.svg");
+  Save("b.svg");
+  std::filesystem::create_directories(folder.File("out/a.svg.png"));
+  const ToolResult result = RunBatch({"a.svg", "b.svg", "--render", "out"});
+  EXPECT_EQ(Statuses(result.out), (Names{{"a.svg", "failed"}, {"b.svg", "accepted"}}));
+  EXPECT_EQ(FilesBelow("out"), std::set<std::string>{"b.svg.png"});
+}
+
+TEST_F(Batch, LossesAreCountedByTheirNamesAlsoOfWhatIsRefused) {
+  Save("lossy.svg", "<svg height='9'><use/><switch/><use/></svg>");
+  Save("whole.svg", "<svg height='9'><g/></svg>");
+  Save("bad.svg", "no drawing");
+  const ToolResult result = RunBatch({"lossy.svg", "whole.svg", "bad.svg", "missing.svg", "--report"});
+  const auto results = Results(result.out);
+  ASSERT_EQ(results.size(), 4u);
+  ASSERT_TRUE(results.at("lossy.svg").HasMember("losses"));
+  const auto& losses = results.at("lossy.svg")["losses"];
+  ASSERT_EQ(losses.MemberCount(), 2u);
+  EXPECT_EQ(losses["element-use"].GetInt(), 2);
+  EXPECT_EQ(losses["element-switch"].GetInt(), 1);
+  EXPECT_FALSE(results.at("whole.svg").HasMember("losses"));
+  EXPECT_FALSE(results.at("missing.svg").HasMember("losses"));
+  ASSERT_EQ(Statuses(result.out)["bad.svg"], "refused");
+  EXPECT_EQ(results.at("bad.svg")["losses"]["not-imported"].GetInt(), 1);
+  EXPECT_NE(result.err.find("most frequent losses and changes\n          2    element-use\n          1    "),
+            result.err.npos)
+      << result.err;
+  EXPECT_EQ(RunBatch({"lossy.svg"}).out.find("losses"), std::string::npos);
+}
+
+TEST_F(Batch, TheSummaryNamesTheTenMostFrequentLosses) {
+  for (const char* name : {"d/a.svg", "d/b.svg"}) {
+    Save(name,
+         "<svg height='9'><use/><a/><svg/><switch/><foreignObject/><animate/><style>a{}</style>"
+         "<g display='none'/><g mask='url(#m)'/><g filter='url(#f)'/></svg>");
+  }
+  Save("d/c.svg", "<svg height='9' viewBox='0 0 1 1'><g/></svg>");
+  const ToolResult result = RunBatch({"d", "--report"});
+  EXPECT_EQ(Results(result.out).at("d/c.svg")["losses"]["view-box"].GetInt(), 1);
+  const std::size_t title = result.err.find("most frequent losses");
+  ASSERT_NE(title, result.err.npos) << result.err;
+  const std::vector<std::string> lines = LinesOf(result.err.substr(title));
+  ASSERT_EQ(lines.size(), 11u) << result.err;
+  for (std::size_t i = 1; i < lines.size(); ++i) EXPECT_TRUE(lines[i].starts_with("          2    ")) << lines[i];
+}
+
+TEST_F(Batch, AnImportThatIsEndedCostsItsOwnReportOnly) {
+  Save("crash.svg");
+  Save("good.svg", "<svg height='9'><use/></svg>");
+  const ToolResult result = RunBatch({"crash.svg", "good.svg", "-j1", "--report", "--filter", HostileFilter()});
+  const auto results = Results(result.out);
+  EXPECT_EQ(Statuses(result.out), (Names{{"crash.svg", "failed"}, {"good.svg", "accepted"}}));
+  EXPECT_FALSE(results.at("crash.svg").HasMember("losses"));
+  EXPECT_EQ(results.at("good.svg")["losses"]["element-use"].GetInt(), 1);
+}
+
+TEST_F(Batch, AFileThatIsNotImportedLeavesNoStreamAndNoPicture) {
   Save("crash.svg");
   Save("refuse.svg");
   Save("hang.svg");
-  const ToolResult result = RunBatch(
-      {"crash.svg", "refuse.svg", "hang.svg", "--dump", "out", "--filter", HostileFilter(), "--time-limit", "0.3"});
+  const ToolResult result = RunBatch({"crash.svg", "refuse.svg", "hang.svg", "--dump", "out", "--render", "out",
+                                      "--filter", HostileFilter(), "--time-limit", "0.3"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(FilesBelow("out"), std::set<std::string>());
 }

@@ -176,18 +176,26 @@ void AddBatchCommand(CLI::App& app, int& status) {
                    "Writes the stream of each document, as dump prints it, to DIR/PATH.jsonl, PATH being the "
                    "document's")
       ->type_name("DIR");
+  batch
+      ->add_option("--render", options->job.renderFolder,
+                   "Draws what came of each document, as render does without options, to DIR/PATH.png")
+      ->type_name("DIR");
+  batch->add_flag("--report", options->job.report,
+                  "Counts what the import of each document loses or changes, by the names that report gives it");
   batch->add_flag("-q,--quiet", options->quiet, "No progress on a terminal and no summary on standard error");
   AddLimitOptions(*batch, options->job.limits);
   AddHostOptions(*batch, options->job.import);
   batch->footer(
       "A result is one object: file, status (accepted, refused by the filter, or failed), reason, records, seconds, "
-      "bytes, commands (records by their name).\n\n"
+      "bytes, commands (records by their name), losses (findings of --report by their name), dump and picture (the "
+      "files of --dump and --render), printed (what the filter printed).\n\n"
       "Exit status: 0 all accepted, 1 one was refused or failed, or the results could not be written, 2 wrong "
       "arguments or files.\n\n"
       "Examples:\n"
       "  svgimport batch drawings -o results.jsonl\n"
       "  svgimport batch drawings -o results.jsonl --resume\n"
       "  svgimport batch drawings --dump streams --jobs 4\n"
+      "  svgimport batch drawings --report --render pictures -o results.jsonl\n"
       "  find . -name '*.svg' -print0 | svgimport batch -0 -q | jq -r 'select(.status != \"accepted\") | .file'");
   batch->callback([options, &status] {
     if (options->operands.empty()) options->operands = {"-"};

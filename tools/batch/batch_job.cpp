@@ -20,6 +20,8 @@
 #include "tools/option_values.h"
 #include "tools/output_file.h"
 #include "tools/record_json.h"
+#include "tools/render_document.h"
+#include "tools/report/report.h"
 
 namespace {
 
@@ -60,12 +62,32 @@ class PartFile {
     return output_.Open(PartOf(name, getpid()));
   }
   void WriteLine(std::string_view line) { output_.WriteLine(line); }
+  std::FILE* Stream() { return output_.Stream(); }
   bool Finish() { return output_.Close() && std::rename(PartOf(name_, getpid()).c_str(), name_.c_str()) == 0; }
 
  private:
   std::string name_;
   OutputFile output_;
 };
+
+// Empty on success; otherwise what is wrong.
+std::string WritePicture(const ImportedDocument& document, preview::StreamDrawer& drawer, const std::string& name) {
+  PartFile picture;
+  if (!picture.Open(name)) return std::strerror(errno);
+  const std::string failure = WriteDocumentImage(document, drawer, {}, picture.Stream());
+  if (!failure.empty()) return failure;
+  return picture.Finish() ? std::string() : std::strerror(errno);
+}
+
+void WriteCounts(JsonWriter& writer, const char* name, const std::map<std::string, std::uint64_t>& counts) {
+  writer.Key(name);
+  writer.StartObject();
+  for (const auto& [key, count] : counts) {
+    writer.Key(key.c_str());
+    writer.Uint64(count);
+  }
+  writer.EndObject();
+}
 
 }  // namespace
 
@@ -105,6 +127,7 @@ bool BatchJob::Start(const std::string& file) {
     result_.reason = "no temporary folder or memory for the import";
     return false;
   }
+  if (!options_.renderFolder.empty()) result_.picture = MirroredPath(options_.renderFolder, file, ".png");
   if (!options_.dumpFolder.empty()) result_.dump = MirroredPath(options_.dumpFolder, file, ".jsonl");
   answer_.Clear();
   printed_.Clear();
@@ -124,18 +147,21 @@ int BatchJob::ImportInChild() {
 
   int status = kExitDone;
   std::string reason;
-  PartFile dump;
-  const bool dumps = !result_.dump.empty();
-  if (dumps && !dump.Open(result_.dump)) {
-    reason = result_.dump + ": " + std::strerror(errno);
+  const auto fail = [&](const std::string& file, const std::string& why) {
+    reason = file + ": " + why;
     status = kExitError;
-  }
-  std::map<std::uint32_t, std::uint64_t> commands;
+  };
+  const bool dumps = !result_.dump.empty(), draws = !result_.picture.empty();
+  PartFile dump;
+  if (dumps && !dump.Open(result_.dump)) fail(result_.dump, std::strerror(errno));
+  preview::StreamDrawer drawer;
+  std::map<std::uint32_t, std::uint64_t> keys;
   if (status == kExitDone) {
     RecordJson json;
     status = document_->Import(
         [&](const ImportCommand& command) {
-          ++commands[command.key];
+          ++keys[command.key];
+          if (draws) drawer.Take(command);
           if (dumps) dump.WriteLine(json.Line(command));
           ReleaseCommand(command);
         },
@@ -144,23 +170,26 @@ int BatchJob::ImportInChild() {
           reason += failure;
         });
   }
-  if (dumps && status == kExitDone && !dump.Finish()) {
-    reason = result_.dump + ": " + std::strerror(errno);
-    status = kExitError;
+  // In front of the files, which are not to appear if it should come to no end.
+  std::map<std::string, std::uint64_t> losses;
+  if (options_.report) {
+    for (const Finding& finding : ReportLosses(document_->Path()).findings) ++losses[std::string(finding.kind->name)];
   }
+  if (draws && status == kExitDone) {
+    const std::string failure = WritePicture(*document_, drawer, result_.picture);
+    if (!failure.empty()) fail(result_.picture, failure);
+  }
+  if (dumps && status == kExitDone && !dump.Finish()) fail(result_.dump, std::strerror(errno));
 
+  std::map<std::string, std::uint64_t> commands;
+  for (const auto& [key, count] : keys) commands[std::string(CommandName(key))] += count;
   rapidjson::StringBuffer buffer;
   JsonWriter writer(buffer);
   writer.StartObject();
   writer.Key("reason");
   WriteText(writer, headless::TextFromUtf8(reason));
-  writer.Key("commands");
-  writer.StartObject();
-  for (const auto& [key, count] : commands) {
-    writer.Key(std::string(CommandName(key)).c_str());
-    writer.Uint64(count);
-  }
-  writer.EndObject();
+  WriteCounts(writer, "commands", commands);
+  WriteCounts(writer, "losses", losses);
   writer.EndObject();
   const ssize_t written = write(answer_.Descriptor(), buffer.GetString(), buffer.GetSize());
   return written == static_cast<ssize_t>(buffer.GetSize()) ? status : kExitError;
@@ -174,8 +203,11 @@ BatchResult BatchJob::TakeResult() {
     if (!answer.HasParseError()) {
       result_.reason = answer["reason"].GetString();
       for (const auto& command : answer["commands"].GetObject()) {
-        result_.commands[command.name.GetString()] += command.value.GetUint64();
+        result_.commands[command.name.GetString()] = command.value.GetUint64();
         result_.records += command.value.GetUint64();
+      }
+      for (const auto& loss : answer["losses"].GetObject()) {
+        result_.losses[loss.name.GetString()] = loss.value.GetUint64();
       }
     }
     if (!child_.Failure().empty()) {
@@ -188,21 +220,25 @@ BatchResult BatchJob::TakeResult() {
     result_.printed = printed_.Text();
   }
   if (result_.status != BatchResult::kAccepted) {
-    RemovePart();
+    RemoveParts();
     result_.dump.clear();
+    result_.picture.clear();
   }
   childPid_ = 0;
   document_.reset();
   return std::move(result_);
 }
 
-void BatchJob::RemovePart() const {
-  if (childPid_ > 0 && !result_.dump.empty()) unlink(PartOf(result_.dump, childPid_).c_str());
+void BatchJob::RemoveParts() const {
+  if (childPid_ <= 0) return;
+  for (const std::string& file : {result_.dump, result_.picture}) {
+    if (!file.empty()) unlink(PartOf(file, childPid_).c_str());
+  }
 }
 
 void BatchJob::Abandon() {
   child_.Kill();
-  RemovePart();
+  RemoveParts();
   childPid_ = 0;
   document_.reset();
 }

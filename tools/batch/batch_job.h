@@ -13,7 +13,9 @@
 struct BatchJobOptions {
   ImportOptions import;  // `file` is not used
   Limits limits;
-  std::string dumpFolder;  // none if empty
+  std::string dumpFolder;    // none if empty
+  std::string renderFolder;  // the same
+  bool report = false;
 };
 
 // A text in memory that a child writes and its parent reads; what does not fit is lost.
@@ -54,7 +56,7 @@ class BatchJob {
 
  private:
   int ImportInChild();
-  void RemovePart() const;
+  void RemoveParts() const;
 
   const BatchJobOptions& options_;
   ImportOptions import_;

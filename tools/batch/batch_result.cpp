@@ -69,7 +69,9 @@ std::string BatchResultLine(const BatchResult& result) {
   writer.Key("bytes");
   writer.Uint64(result.bytes);
   counts("commands", result.commands);
+  counts("losses", result.losses);
   text("dump", result.dump);
+  text("picture", result.picture);
   text("printed", result.printed);
   writer.EndObject();
   return buffer.GetString();

@@ -19,7 +19,9 @@ struct BatchResult {
   std::map<std::string, std::uint64_t> commands;  // records by the name of their code
   double seconds = 0.0;                           // of wall clock
   std::uint64_t bytes = 0;                        // of the document
+  std::map<std::string, std::uint64_t> losses;    // findings by their name, if the report was asked for
   std::string dump;                               // where the stream was written, if it was
+  std::string picture;                            // where it was drawn, if it was
   std::string printed;                            // what the filter printed, cut at 64 KB; nothing, as a rule
 };
 
@@ -28,7 +30,8 @@ inline constexpr std::size_t kBatchStatusCount = 3;
 const char* BatchStatusName(BatchResult::Status status);
 
 // One object without a line end: {"file":…,"status":…,"reason":…,"records":…,"seconds":…,"bytes":…,"commands":{…},
-// "dump":…,"printed":…}. `reason`, `commands`, `dump` and `printed` are left out where they are empty.
+// "losses":{…},"dump":…,"picture":…,"printed":…}. `reason` and what stands behind `bytes` are left out where they are
+// empty.
 std::string BatchResultLine(const BatchResult& result);
 
 // The results of a batch, one line each, written as they come.

@@ -6,7 +6,7 @@
 namespace {
 
 constexpr std::size_t kShownFiles = 5;
-constexpr std::size_t kShownReasons = 10;
+constexpr std::size_t kShownCounts = 10;
 constexpr std::size_t kMostReasons = 1000;
 constexpr const char* kOtherReason = "other reasons";
 
@@ -30,7 +30,7 @@ void PrintMostFrequent(std::FILE* out, const char* title, const std::map<std::st
   std::vector<std::pair<std::uint64_t, std::string>> sorted;
   for (const auto& [name, count] : counts) sorted.emplace_back(count, name);
   std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
-  if (sorted.size() > kShownReasons) sorted.resize(kShownReasons);
+  if (sorted.size() > kShownCounts) sorted.resize(kShownCounts);
   std::fprintf(out, "%s\n", title);
   for (const auto& [count, name] : sorted) std::fprintf(out, "  %9llu    %s\n", Printable(count), name.c_str());
 }
@@ -40,6 +40,7 @@ void PrintMostFrequent(std::FILE* out, const char* title, const std::map<std::st
 void BatchSummary::Add(const BatchResult& result) {
   ++counts_[result.status];
   records_ += result.records;
+  for (const auto& [name, count] : result.losses) losses_[name] += count;
   if (slowest_.size() < kShownFiles || result.seconds > slowest_.back().first) {
     const auto slower = [](const auto& a, const auto& b) { return a.first > b.first; };
     const std::pair<double, std::string> file(result.seconds, result.file);
@@ -69,6 +70,7 @@ void BatchSummary::Print(std::FILE* out, double seconds, unsigned jobs, std::uin
   for (const auto& [time, file] : slowest_) std::fprintf(out, "  %9.3f s  %s\n", time, file.c_str());
 
   PrintMostFrequent(out, "most frequent reasons of refusal", refusals_);
+  PrintMostFrequent(out, "most frequent losses and changes", losses_);
 
   if (!failed_.empty())
     std::fputs(counts_[BatchResult::kFailed] > failed_.size() ? "first failures\n" : "failures\n", out);

@@ -26,5 +26,6 @@ class BatchSummary {
   std::uint64_t records_ = 0;
   std::vector<std::pair<double, std::string>> slowest_;      // seconds and file, the slowest first
   std::map<std::string, std::uint64_t> refusals_;            // by reason, its numbers left out
+  std::map<std::string, std::uint64_t> losses_;              // by name
   std::vector<std::pair<std::string, std::string>> failed_;  // the first files and their reasons
 };
