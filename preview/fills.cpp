@@ -1,6 +1,7 @@
 #include "preview/fills.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "host/bitmap.h"
@@ -9,6 +10,13 @@
 namespace preview {
 
 namespace {
+
+// By its bytes, since it lies at an odd offset in the record.
+TM MatrixAt(const FillDefinition& fill, std::size_t offset) {
+  TM matrix;
+  std::memcpy(&matrix, reinterpret_cast<const unsigned char*>(&fill) + offset, sizeof matrix);
+  return matrix;
+}
 
 double Unit(double value) { return std::isfinite(value) ? std::clamp(value, 0.0, 1.0) : 0.0; }
 
@@ -48,7 +56,7 @@ Colour ColourFromValue(std::uint32_t value) {
 
 std::shared_ptr<const Gradient> ReadGradient(const FillDefinition& fill) {
   auto gradient = std::make_shared<Gradient>();
-  const TM matrix = fill.forwardMatrix;
+  const TM matrix = MatrixAt(fill, offsetof(FillDefinition, forwardMatrix));
   gradient->radial = fill.fillType == kRadialFill;
   gradient->length = std::abs(fill.fillScale);
   gradient->from = gradient->to = {matrix.e, matrix.f};
@@ -109,7 +117,7 @@ std::vector<Gradient::ColourStop> MergedStops(const Gradient& gradient) {
 
 std::shared_ptr<const Tile> ReadTile(const FillDefinition& fill) {
   auto tile = std::make_shared<Tile>();
-  tile->hostToFill = fill.inverseMatrix;
+  tile->hostToFill = MatrixAt(fill, offsetof(FillDefinition, inverseMatrix));
   char16_t path[kTilePathUnits] = {};
   std::memcpy(path, fill.pattern.tilePath, sizeof path - sizeof path[0]);
   CQXBitmap* bitmap = path[0] == 0 ? nullptr : NewQXBitmap();

@@ -16,7 +16,7 @@ Text ReadParagraph(const ParagraphView& paragraph, const Ink& ink);
 // The layout of a text, in units of its own. The left end of its longest line has x = 0.
 struct TextLayout {
   struct Deleter {
-    void operator()(PangoLayout* layout) const { g_object_unref(layout); }
+    void operator()(PangoLayout* object) const { g_object_unref(object); }
   };
   std::unique_ptr<PangoLayout, Deleter> layout;
   double unit;      // in host units
