@@ -81,9 +81,9 @@ void Survey::SkippedElement(const SvgNode& node, const SvgNode& parent, Place pl
   if (place == Place::kDefs && node.name != "style") return;
   if (ListHas(kSilentElements, node.name)) return;
   if (node.name == "use") {
-    CheckReferencePrefix(node);
-    const std::string_view prefixed = node.Value("xlink:href");
-    Report(Loss("element-use"), node, node.line, std::string(prefixed.empty() ? node.Value("href") : prefixed));
+    std::string_view reference = node.Value("xlink:href");
+    if (reference.empty()) reference = node.Value("href");
+    Report(Loss("element-use"), node, node.line, reference.empty() ? "its target" : std::string(reference));
   } else if (const LossKind* kind = LossOfElement(node.name)) {
     if (node.name != "style" || !CharactersOf(node).empty()) Report(kind, node, node.line);
   } else if (ListHas(kDrawnElements, node.name)) {

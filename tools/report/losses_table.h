@@ -46,7 +46,7 @@ inline constexpr LossKind kLosses[] = {
     {"view-box", kChanged, "{detail} is not read: numbers are not scaled or moved by it", {}, {}},
 
     // Elements.
-    {"element-use", kLost, "use is not read: {detail} is not drawn again", "use", {}},
+    {"element-use", kLost, "use is not read, and {detail} is not drawn again", "use", {}},
     {"element-symbol", kLost, "symbol is not read, and neither are the references to {detail}", "symbol", {}},
     {"element-mask", kLost, "mask is not read: what refers to {detail} is drawn whole", "mask", {}},
     {"element-marker", kLost, "marker is not read: lines that refer to {detail} end plain", "marker", {}},

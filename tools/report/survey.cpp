@@ -128,7 +128,5 @@ std::vector<Finding> Survey::Run() {
   CheckUnread(root, own, {});
   WalkChildren(root, Place::kTop, Inherit(root, own, {}, false));
   CheckUnrecordedDefinitions();
-  std::stable_sort(findings_.begin(), findings_.end(),
-                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
   return std::move(findings_);
 }

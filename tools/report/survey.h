@@ -60,7 +60,7 @@ class Survey {
  public:
   explicit Survey(const SvgDocument& document) : document_(document) {}
 
-  // Takes the findings of the whole document.
+  // Takes the findings of the whole document, in no order.
   std::vector<Finding> Run();
 
  private:
