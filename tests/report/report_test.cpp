@@ -184,6 +184,10 @@ TEST(LossReport, RefusesWhatTheFilterRefuses) {
   EXPECT_EQ(FindingsIn("<?xml version='1.1'?><svg height='9'><g/></svg>"), "1 not-imported");
 }
 
+TEST(LossReport, TakesAnyTextForANamespaceAsTheFilterDoes) {
+  EXPECT_EQ(FindingsIn("<svg xmlns:a='&amp;#38;ns;' height='9'><g/></svg>"), "");
+}
+
 TEST(LossReport, SaysWhyAFileCannotBeRead) {
   const ScratchFolder folder;
   EXPECT_EQ(ReportLosses(folder.File("none.svg")).failure, "the file does not exist");

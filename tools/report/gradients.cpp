@@ -153,8 +153,9 @@ bool Survey::CheckStops(const SvgNode& owner) {
       rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
       const std::string shown = "stop-color:" + std::string(Trimmed(rest.substr(0, rest.find(';'))));
       const ColourReading reading = ReadColour(rest);
-      if (rest.starts_with('#') ? reading == ColourReading::kMisread
-                                : Trimmed(rest.substr(0, rest.find(';'))) != "black") {
+      // What is no colour for SVG either is black there too.
+      const bool black = ListHas("black none", Trimmed(rest.substr(0, rest.find(';'))));
+      if (rest.starts_with('#') ? reading == ColourReading::kMisread : !black) {
         Report(Loss("stop-color-form"), child, styleAttribute->line, shown);
       } else if (reading == ColourReading::kShortHexAtEnd) {
         Report(Loss("short-hex-at-end"), child, styleAttribute->line, shown);
