@@ -35,7 +35,8 @@ void NoteContent(void* context) {
 
 void NoteError(void* context, xmlErrorPtr error) {
   Findings& findings = FindingsOf(context);
-  if (error->level < XML_ERR_ERROR || !findings.error.empty()) return;
+  // Any text is a namespace to the filter.
+  if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI || !findings.error.empty()) return;
   std::string message = error->message == nullptr ? "not well-formed" : error->message;
   std::replace(message.begin(), message.end(), '\n', ' ');
   while (!message.empty() && message.back() == ' ') message.pop_back();

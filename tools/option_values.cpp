@@ -34,6 +34,7 @@ void AddSettingsOption(CLI::App& app, std::vector<std::string>& settings) {
   app.add_option("--set", settings, "A value in the settings store, such as ZENTAL/Units=0; may be repeated")
       ->type_name("SECTION/KEY=N")
       ->expected(1)
+      ->allow_extra_args(false)  // what follows is the document
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->check([](const std::string& text) {
         return ParseSetting(text) ? std::string()

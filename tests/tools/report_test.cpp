@@ -5,7 +5,7 @@ using host_tests::WriteText;
 
 namespace {
 
-constexpr char kTwoLosses[] = "<svg height='9'>\n<use id='u'/>\n<switch/></svg>";
+constexpr char kTwoLosses[] = "<svg height='9'>\n<use id='u' href='#a'/>\n<switch/></svg>";
 constexpr char kNoLoss[] = "<svg height='9'>\n<g/></svg>";
 
 class ReportCommand : public ToolTest {
@@ -25,7 +25,7 @@ TEST_F(ReportCommand, PrintsALineForEachFindingAndASummary) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out,
-            "two.svg:2: use \"u\": use is not read:  is not drawn again [element-use]\n"
+            "two.svg:2: use \"u\": use is not read, and #a is not drawn again [element-use]\n"
             "two.svg:3: switch: switch is not read, and none of its children is drawn [element-switch]\n"
             "two.svg: 2 findings, 2 lost, 0 changed\n"
             "      1  element-use\n"
@@ -82,7 +82,8 @@ TEST_F(ReportCommand, ListsItsTable) {
   const ToolResult result = Report({"--list"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(
-      result.LinesWith("element-use                     lost     use is not read: {detail} is not drawn again").size(),
+      result.LinesWith("element-use                     lost     use is not read, and {detail} is not drawn again")
+          .size(),
       1u);
 }
 

@@ -10,10 +10,6 @@ constexpr std::string_view kGroupElements = "path polygon polyline rect g ellips
 constexpr std::string_view kClipElements = "rect path text ellipse";
 constexpr std::string_view kDrawnElements = "path polygon polyline rect g circle ellipse line text tspan image";
 constexpr std::string_view kDefinitions = "clipPath pattern linearGradient radialGradient";
-// Elements that draw nothing by themselves, or nothing at all.
-constexpr std::string_view kSilentElements =
-    "defs title desc metadata stop script view cursor color-profile font font-face glyph missing-glyph hkern vkern "
-    "namedview solidcolor hatch linearGradient radialGradient clipPath pattern";
 // Of these only what refers to them is lost.
 constexpr std::string_view kReferencedElements = "symbol mask marker filter";
 
@@ -79,17 +75,14 @@ void Survey::SkippedElement(const SvgNode& node, const SvgNode& parent, Place pl
   }
   // Only something that refers to them draws what stands in definitions.
   if (place == Place::kDefs && node.name != "style") return;
-  if (ListHas(kSilentElements, node.name)) return;
   if (node.name == "use") {
-    CheckReferencePrefix(node);
-    const std::string_view prefixed = node.Value("xlink:href");
-    Report(Loss("element-use"), node, node.line, std::string(prefixed.empty() ? node.Value("href") : prefixed));
+    std::string_view reference = node.Value("xlink:href");
+    if (reference.empty()) reference = node.Value("href");
+    Report(Loss("element-use"), node, node.line, reference.empty() ? "its target" : std::string(reference));
   } else if (const LossKind* kind = LossOfElement(node.name)) {
     if (node.name != "style" || !CharactersOf(node).empty()) Report(kind, node, node.line);
   } else if (ListHas(kDrawnElements, node.name)) {
     Report(Loss("element-misplaced"), node, node.line, parent.name);
-  } else {
-    Report(Loss("element-not-read"), node, node.line);
   }
 }
 
@@ -177,8 +170,8 @@ void Survey::EnterClip(const SvgNode& clip, const Context& context) {
     const SvgNode& child = At(index);
     if (child.kind != NodeKind::kElement) continue;
     if (!ListHas(kClipElements, child.name)) {
-      if (!child.foreign && !ListHas(kSilentElements, child.name))
-        Report(Loss("clip-child-skipped"), child, child.line);
+      const bool drawn = ListHas(kDrawnElements, child.name) || child.name == "use";
+      if (drawn && !child.foreign) Report(Loss("clip-child-skipped"), child, child.line);
       continue;
     }
     if (child.foreign) Report(Loss("foreign-element-drawn"), child, child.line);

@@ -45,17 +45,21 @@ bool Survey::CheckPaintReference(const SvgNode& node, std::string_view rest, int
   return transparent_.contains(found->node);
 }
 
+int Survey::CountStops(const SvgNode& gradient) {
+  const auto [count, fresh] = stopCounts_.try_emplace(&gradient, 0);
+  if (!fresh) return count->second;
+  for (const int child : gradient.children) {
+    count->second += At(child).kind == NodeKind::kElement && At(child).name == "stop";
+  }
+  return count->second;
+}
+
 void Survey::CheckGradient(const Definition& gradient) {
   const SvgNode& node = *gradient.node;
   const bool radial = gradient.kind == DefinitionKind::kRadial;
   CheckReferencePrefix(node);
 
-  const auto countStops = [this](const SvgNode& owner) {
-    int stops = 0;
-    for (const int child : owner.children) stops += At(child).kind == NodeKind::kElement && At(child).name == "stop";
-    return stops;
-  };
-  const int ownStops = countStops(node);
+  const int ownStops = CountStops(node);
   if (ownStops > 0) {
     Report(Loss("gradient-own-stops"), node, node.line,
            std::to_string(ownStops) + (ownStops == 1 ? " stop" : " stops"));
@@ -65,7 +69,7 @@ void Survey::CheckGradient(const Definition& gradient) {
     const std::string_view reference =
         hash == std::string::npos ? std::string_view() : std::string_view(link->value).substr(hash + 1);
     const Definition* linked = gradients_.FindByStart(reference);
-    if (linked == nullptr || countStops(*linked->node) == 0) {
+    if (linked == nullptr || CountStops(*linked->node) == 0) {
       Report(Loss("gradient-link"), node, link->line, Quoted(*link));
     } else {
       CheckOtherDefinition(node, link->line, reference, *linked);
@@ -153,8 +157,9 @@ bool Survey::CheckStops(const SvgNode& owner) {
       rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
       const std::string shown = "stop-color:" + std::string(Trimmed(rest.substr(0, rest.find(';'))));
       const ColourReading reading = ReadColour(rest);
-      if (rest.starts_with('#') ? reading == ColourReading::kMisread
-                                : Trimmed(rest.substr(0, rest.find(';'))) != "black") {
+      // What is no colour for SVG either is black there too.
+      const bool black = ListHas("black none", Trimmed(rest.substr(0, rest.find(';'))));
+      if (rest.starts_with('#') ? reading == ColourReading::kMisread : !black) {
         Report(Loss("stop-color-form"), child, styleAttribute->line, shown);
       } else if (reading == ColourReading::kShortHexAtEnd) {
         Report(Loss("short-hex-at-end"), child, styleAttribute->line, shown);

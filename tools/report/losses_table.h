@@ -46,7 +46,7 @@ inline constexpr LossKind kLosses[] = {
     {"view-box", kChanged, "{detail} is not read: numbers are not scaled or moved by it", {}, {}},
 
     // Elements.
-    {"element-use", kLost, "use is not read: {detail} is not drawn again", "use", {}},
+    {"element-use", kLost, "use is not read, and {detail} is not drawn again", "use", {}},
     {"element-symbol", kLost, "symbol is not read, and neither are the references to {detail}", "symbol", {}},
     {"element-mask", kLost, "mask is not read: what refers to {detail} is drawn whole", "mask", {}},
     {"element-marker", kLost, "marker is not read: lines that refer to {detail} end plain", "marker", {}},
@@ -60,7 +60,11 @@ inline constexpr LossKind kLosses[] = {
      "{element} is not read: its target stands still",
      "animate animateTransform animateMotion animateColor set",
      {}},
-    {"element-not-read", kLost, "{element} is not read, and nothing in it is drawn", {}, {}},
+    {"element-not-read",
+     kLost,
+     "{element} is not read, and nothing in it is drawn",
+     "flowRoot textArea tref video iframe canvas mesh",
+     {}},
     {"element-misplaced", kLost, "{element} is not read inside {detail}", {}, {}},
     {"foreign-element-drawn", kChanged, "{element} of another namespace is drawn as if it were SVG", {}, {}},
     {"definition-outside-defs",

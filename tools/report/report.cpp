@@ -37,8 +37,6 @@ std::vector<Finding> FindingsOfRefused(const std::string& file, const std::strin
     add(Loss("doctype-subset"), doctype.line, {});
   }
   add(Loss("not-imported"), LineOfReason(reason), reason);
-  std::stable_sort(findings.begin(), findings.end(),
-                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
   return findings;
 }
 
@@ -69,6 +67,9 @@ LossReport ReportLosses(const std::string& file) {
   } else {
     report.findings = Survey(document).Run();
   }
+  std::stable_sort(report.findings.begin(), report.findings.end(), [](const Finding& a, const Finding& b) {
+    return a.line != b.line ? a.line < b.line : a.kind < b.kind;
+  });
   return report;
 }
 

@@ -17,7 +17,7 @@ struct Finding {
 
 struct LossReport {
   std::string failure;            // why the file could not be read; there are no findings then
-  std::vector<Finding> findings;  // by their lines
+  std::vector<Finding> findings;  // by their lines, then as the table has them
 };
 
 // The name of the file is in the encoding of the operating system.

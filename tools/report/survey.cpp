@@ -44,20 +44,26 @@ const LossKind* LossOfProperty(std::string_view property) {
 void DefinitionTable::Record(const SvgNode& node, DefinitionKind kind) {
   std::string id = LowerCase(node.Value("id"));
   id.resize(std::min(id.size(), kMaxIdUnits));
-  const std::size_t index = definitions_.size();
-  definitions_.push_back({&node, kind, id});
-  whole_.try_emplace(id, index);
-  for (std::size_t length = 1; length <= id.size(); ++length) starts_.try_emplace(id.substr(0, length), index);
+  ids_.try_emplace(id, definitions_.size());
+  definitions_.push_back({&node, kind});
 }
 
 const Definition* DefinitionTable::FindWhole(std::string_view reference) const {
-  const auto found = whole_.find(LowerCase(reference));
-  return found == whole_.end() ? nullptr : &definitions_[found->second];
+  const auto found = ids_.find(LowerCase(reference));
+  return found == ids_.end() ? nullptr : &definitions_[found->second];
 }
 
 const Definition* DefinitionTable::FindByStart(std::string_view reference) const {
-  const auto found = starts_.find(LowerCase(reference));
-  return found == starts_.end() ? nullptr : &definitions_[found->second];
+  if (reference.empty()) return nullptr;
+  const std::string start = LowerCase(reference);
+  if (const auto known = foundByStart_.find(start); known != foundByStart_.end()) return &definitions_[known->second];
+  std::size_t first = definitions_.size();
+  for (auto at = ids_.lower_bound(start); at != ids_.end() && at->first.starts_with(start); ++at) {
+    first = std::min(first, at->second);
+  }
+  if (first == definitions_.size()) return nullptr;
+  foundByStart_.emplace(start, first);
+  return &definitions_[first];
 }
 
 void Survey::Report(const LossKind* kind, const SvgNode& node, int line, std::string detail) {
@@ -128,7 +134,5 @@ std::vector<Finding> Survey::Run() {
   CheckUnread(root, own, {});
   WalkChildren(root, Place::kTop, Inherit(root, own, {}, false));
   CheckUnrecordedDefinitions();
-  std::stable_sort(findings_.begin(), findings_.end(),
-                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
   return std::move(findings_);
 }

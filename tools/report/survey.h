@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -41,7 +42,6 @@ enum class DefinitionKind { kClip, kPattern, kLinear, kRadial };
 struct Definition {
   const SvgNode* node;
   DefinitionKind kind;
-  std::string id;  // as it is kept
 };
 
 // The definitions of one table, found as the filter finds them: without case, the first one recorded first.
@@ -53,14 +53,16 @@ class DefinitionTable {
 
  private:
   std::vector<Definition> definitions_;
-  std::unordered_map<std::string, std::size_t> whole_, starts_;
+  std::map<std::string, std::size_t> ids_;  // the first of each id
+  // What was found by the start of ids: a definition that comes later never takes the place of one found before.
+  mutable std::unordered_map<std::string, std::size_t> foundByStart_;
 };
 
 class Survey {
  public:
   explicit Survey(const SvgDocument& document) : document_(document) {}
 
-  // Takes the findings of the whole document.
+  // Takes the findings of the whole document, in no order.
   std::vector<Finding> Run();
 
  private:
@@ -135,6 +137,7 @@ class Survey {
   // True when the gradient has transparent stops.
   bool CheckPaintReference(const SvgNode& node, std::string_view value, int line, const Context& context);
   void CheckGradient(const Definition& gradient);
+  int CountStops(const SvgNode& gradient);
   bool CheckStops(const SvgNode& gradient);
   void CheckPattern(const SvgNode& pattern, const Context& context);
   void CheckOtherDefinition(const SvgNode& node, int line, std::string_view reference, const Definition& found);
@@ -152,6 +155,7 @@ class Survey {
   std::vector<Finding> findings_;
   std::set<std::string> reported_;
   DefinitionTable clips_, gradients_, patterns_;
+  std::unordered_map<const SvgNode*, int> stopCounts_;
   std::unordered_set<const SvgNode*> recorded_, entered_;
   std::unordered_set<const SvgNode*> stopOwners_, transparentOwners_;  // what gradients link to
   std::unordered_set<const SvgNode*> boxed_;              // gradients whose coordinates follow the shape's box

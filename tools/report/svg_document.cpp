@@ -13,7 +13,6 @@
 namespace {
 
 constexpr std::string_view kSvgNamespace = "http://www.w3.org/2000/svg";
-constexpr std::string_view kXmlNamespace = "http://www.w3.org/XML/1998/namespace";
 constexpr std::string_view kWhiteSpace = " \t\r\n";
 
 std::string_view View(const xmlChar* text) {
@@ -219,7 +218,8 @@ void StartElement(void* context, const xmlChar* name, const xmlChar*, const xmlC
     const TagScanner::Attribute written = builder.scanner.Find(attribute.name);
     attribute.value = ValueOf(written.value);
     attribute.line = written.line;
-    if (View(one[0]) == "space" && View(one[2]) == kXmlNamespace) node.preserve = attribute.value == "preserve";
+    if (attribute.name == "xml:space" && attribute.value == "preserve") node.preserve = true;
+    if (attribute.name == "xml:space" && attribute.value == "default") node.preserve = false;
     node.attributes.push_back(std::move(attribute));
   }
   if (index == 0) {
@@ -257,7 +257,9 @@ xmlSAXHandler Handler() {
   xmlSAXHandler handler = {};
   handler.initialized = XML_SAX2_MAGIC;
   handler.serror = [](void* context, xmlErrorPtr error) {
-    if (error->level >= XML_ERR_ERROR) BuilderOf(context).failed = true;
+    // Any text is a namespace, and a version other than 1.0 is only warned of.
+    if (error->code == XML_WAR_NS_URI) return;
+    if (error->level != XML_ERR_WARNING || error->code == XML_WAR_UNKNOWN_VERSION) BuilderOf(context).failed = true;
   };
   handler.startElementNs = StartElement;
   handler.endElementNs = EndElement;
@@ -329,7 +331,7 @@ SvgDocument ParseSvgDocument(std::string bytes) {
   xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
   *parser->sax = Handler();
   xmlParseDocument(parser.get());
-  if (builder.failed || document.nodes.empty()) return document;
+  if (builder.failed || parser->wellFormed == 0 || document.nodes.empty()) return document;
   if (parser->version != nullptr && View(parser->version) != "1.0") return document;
   FinishTexts(document);
   document.refused = document.Root().children.empty();
