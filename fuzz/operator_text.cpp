@@ -1,14 +1,13 @@
-// Fuzzes the operator machine. Each line of the input is one text, fed for its operands alone if it begins with "> ", and
-// executed otherwise; all that comes of it is released.
+// Fuzzes the operator machine. Each line of the input is one text, fed for its operands alone if it begins with "> ",
+// and executed otherwise; all that comes of it is released.
 
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-#include "headless_host/headless_host.h"
+#include "fuzz/support/fuzz_run.h"
 #include "operators/operator_machine.h"
 #include "platform/narrow_text.h"
-#include "run/command_queue.h"
 #include "run/entry_points.h"
 #include "run/import_run.h"
 
@@ -32,8 +31,7 @@ void FillNamedGradients() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  ResetHost();
-  ResetImportRun();
+  StartFresh();
   PrepareOperatorMachine();
   FillNamedGradients();
   std::string_view text(reinterpret_cast<const char*>(data), size);
@@ -45,11 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool pushOnly = line.starts_with("> ");
     if (pushOnly) line.remove_prefix(2);
     FeedOperatorText(WideFromNarrow(line), pushOnly ? kPushOnly : kExecute);
-    ImportCommand command;
-    while (run.commands.count > 0) {
-      command = PopCommand(run.commands);
-      ReleaseCommand(command);
-    }
+    ReleaseQueue();
   }
   return 0;
 }

@@ -36,7 +36,8 @@ SlabHeader* HeaderOf(void* block) {
   return reinterpret_cast<SlabHeader*>(address & ~(kSlabBytes - 1));
 }
 
-void* TakeLarge(std::size_t size) {
+// Not called in a watched build.
+[[maybe_unused]] void* TakeLarge(std::size_t size) {
   if (size > std::numeric_limits<std::size_t>::max() - sizeof(SlabHeader)) return nullptr;
   void* memory = nullptr;
   if (posix_memalign(&memory, kSlabBytes, sizeof(SlabHeader) + size) != 0) return nullptr;

@@ -4,6 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 
+// A build for fuzzing meets the limits of work early, so that each input stays quick.
+#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
+inline constexpr int kWorkDivisor = 1000;
+#else
+inline constexpr int kWorkDivisor = 1;
+#endif
+
 // An element deeper than this makes the load fail. The translators recurse with the tree, so that this bounds the C
 // stack.
 inline constexpr int kMaxElementDepth = 256;
@@ -23,7 +30,15 @@ inline constexpr std::size_t kMaxIdUnits = 49;
 // Definitions (clips, gradients, patterns) that may be entered within one another, and entered at all during one
 // import: ten of each other, ten deep, would otherwise take for ever from a file of one kilobyte.
 inline constexpr std::size_t kMaxDefinitionDepth = 32;
-inline constexpr std::uint32_t kMaxDefinitionEntries = 1'000'000;
+inline constexpr std::uint32_t kMaxDefinitionEntries = 1'000'000 / kWorkDivisor;
+
+// Records and gradient stops that entered definitions may make in one import, before no further one is entered: ten
+// thousand shapes that each use a clip of ten thousand would otherwise fill the memory from a file of one megabyte.
+inline constexpr std::uint64_t kMaxDefinitionWork = 10'000'000 / kWorkDivisor;
+
+// Groups and texts within one another, those of entered definitions included, from which on no definition is entered.
+// It bounds the C stack, since each definition may nest as deep as a document.
+inline constexpr std::uint32_t kMaxNestedElements = 1024;
 
 // Units of an operator token that the dispatch sees.
 inline constexpr std::size_t kMaxNameUnits = 64;
@@ -35,7 +50,11 @@ inline constexpr std::size_t kFrameBlock = 20;
 inline constexpr int kMaxClipLevels = 999;
 
 // Samples of one quadratic: its step may vanish against the parameter, or be 0.
-inline constexpr int kMaxQuadraticSamples = 1'000'000;
+inline constexpr int kMaxQuadraticSamples = 1'000'000 / kWorkDivisor;
+
+// Samples of all quadratics of one import, after which each is one straight line: a short command can ask for as many
+// as the limit of one allows.
+inline constexpr int kMaxImportSamples = 10'000'000 / kWorkDivisor;
 
 // Units of a spot colour's name in a frame; the field holds one more for the terminator.
 inline constexpr std::size_t kMaxColourNameUnits = 50;

@@ -49,6 +49,10 @@ void SortRecords(DefinitionTable& table) {
 // The table grows by one record at a time.
 void Record(DefinitionTable& table, IXMLDOMNode* node, std::int32_t kind) {
   const std::u16string_view id = GetNodeAttribute(node, u"id").substr(0, kMaxIdUnits);
+  if (!table.nodes.insert(node).second) {
+    node->Release();
+    return;
+  }
   const auto count = static_cast<std::size_t>(table.count);
   auto* records = static_cast<DefinitionRecord*>(ReallocateHost(table.records, (count + 1) * sizeof(DefinitionRecord)));
   table.records = records;
@@ -109,6 +113,7 @@ void FreeDefinitions(DefinitionTable& table) {
   FreeHost(table.records);
   table.records = nullptr;
   table.sorted.clear();
+  table.nodes.clear();
 }
 
 // The references of all children stay with the tables and the document: the ones passed over are never given back.
@@ -155,7 +160,10 @@ const DefinitionRecord* FindPatternDef(std::u16string_view reference) {
 
 EnteredDefinition::EnteredDefinition(const DefinitionRecord& record) {
   DefinitionGuard& guard = run.definitionGuard;
+  if (guard.entered.empty()) guard.recordsBefore = run.commands.count;
   entered_ = guard.entered.size() < kMaxDefinitionDepth && guard.entries < kMaxDefinitionEntries &&
+             guard.work + (run.commands.count - guard.recordsBefore) < kMaxDefinitionWork &&
+             guard.nestedElements < kMaxNestedElements &&
              std::find(guard.entered.begin(), guard.entered.end(), record.node) == guard.entered.end();
   if (!entered_) return;
   guard.entered.push_back(record.node);
@@ -163,5 +171,12 @@ EnteredDefinition::EnteredDefinition(const DefinitionRecord& record) {
 }
 
 EnteredDefinition::~EnteredDefinition() {
-  if (entered_) run.definitionGuard.entered.pop_back();
+  if (!entered_) return;
+  DefinitionGuard& guard = run.definitionGuard;
+  guard.entered.pop_back();
+  if (guard.entered.empty()) guard.work += run.commands.count - guard.recordsBefore;
 }
+
+NestedElement::NestedElement() { ++run.definitionGuard.nestedElements; }
+
+NestedElement::~NestedElement() { --run.definitionGuard.nestedElements; }

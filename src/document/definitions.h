@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "filter_limits.h"
@@ -22,7 +23,8 @@ struct DefinitionRecord {
 // `count` records from the host allocator, of which the last is blank and takes the next definition.
 struct DefinitionTable {
   DefinitionRecord* records = nullptr;
-  std::int32_t count = 1;  // never reset, not even by CloseFile
+  std::int32_t count = 1;                        // never reset, not even by CloseFile
+  std::unordered_set<const IXMLDOMNode*> nodes;  // those of the records
   // Places of the first records, by their ids without case and then by place: the lookups of large tables use it.
   std::vector<std::int32_t> sorted;
 };
@@ -42,7 +44,8 @@ void FreeDefinitions(DefinitionTable& table);
 // entered.
 void RunDefinitionsPrePass(IXMLDOMNode* defs);
 
-// These take the reference to the node over.
+// These take the reference to the node over. A node that is recorded already is not recorded again, as a gradient's are
+// at each use of it: no lookup would find the second record.
 bool RecordClipDef(IXMLDOMNode* node);
 bool RecordGradientDef(IXMLDOMNode* node, GradientKind kind);
 
@@ -54,7 +57,7 @@ const DefinitionRecord* FindGradientDef(std::u16string_view reference);
 const DefinitionRecord* FindPatternDef(std::u16string_view reference);
 
 // Enters a definition for the time of its translation. False when it has to count as not found: it is being translated
-// already, it would be too deep, or the import has entered too many.
+// already, it would be too deep, or the import has entered too many or made too much of them.
 class EnteredDefinition {
  public:
   explicit EnteredDefinition(const DefinitionRecord& record);
@@ -65,4 +68,13 @@ class EnteredDefinition {
 
  private:
   bool entered_;
+};
+
+// Counts a group or text for the time of its translation.
+class NestedElement {
+ public:
+  NestedElement();
+  ~NestedElement();
+  NestedElement(const NestedElement&) = delete;
+  NestedElement& operator=(const NestedElement&) = delete;
 };

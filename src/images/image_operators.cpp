@@ -157,5 +157,12 @@ void OperatorPatternImage(const OperatorCall&) {
   twin.key = KEY_PFOL;
   twin.size = sizeof *fill;
   twin.data = fill;
-  PushCommand(twin);
+  try {
+    PushCommand(twin);
+  } catch (...) {
+    // The host frees the payload with the second command alone.
+    DropLastCommand();
+    FreeHost(fill);
+    throw;
+  }
 }

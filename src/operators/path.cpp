@@ -1,5 +1,6 @@
 #include "operators/path.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -170,14 +171,16 @@ void QuadraticTo(Point c, Point p1, bool relative) {
   const double step = (1.0 / (Distance(p0, c) + Distance(c, p1))) * 10.0;
   double t = 1.0;
   Point previous = {0.0, 0.0};
-  int samples = 0;
+  const std::int32_t mostSamples = std::min(kMaxQuadraticSamples, path.samplesLeft);
+  std::int32_t samples = 0;
   do {
     const double s = 1.0 - t;
     const Point p = {t * t * p0.x + 2.0 * t * s * c.x + s * s * p1.x, t * t * p0.y + 2.0 * t * s * c.y + s * s * p1.y};
     if (previous.x != 0.0 && previous.y != 0.0) QueueLine(p, previous);
     t -= step;
     previous = p;
-  } while (t > 0.0 && ++samples < kMaxQuadraticSamples);
+  } while (t > 0.0 && ++samples < mostSamples);
+  path.samplesLeft = std::max(0, path.samplesLeft - samples);
   QueueLine(previous, p1);
   path.userCurrent = p1;
   path.deviceCurrent = ToDevice(p1);

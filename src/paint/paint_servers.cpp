@@ -141,6 +141,7 @@ std::int32_t ReadGradientStops(std::u16string_view href) {
   GraphicsState& frame = CurrentFrame();
   if (children.length() > 0) NewStopBlock(frame, static_cast<std::uint32_t>(children.length()));
   frame.stopCount = children.length();
+  run.definitionGuard.work += static_cast<std::uint32_t>(children.length());
   std::int32_t stops = 0;
   for (std::int32_t i = 0; i < children.length(); ++i) {
     IXMLDOMNode* child = children.At(i);

@@ -1,6 +1,7 @@
 // What the paint servers and the style parsers leave for one another.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -15,8 +16,11 @@ struct PaintState {
   GradientPlacement placement;           // of the named gradient operators
 };
 
-// The definitions that are being translated, innermost last, and how many have been entered in this import.
+// The definitions that are being translated, innermost last, and what has gone into definitions in this import.
 struct DefinitionGuard {
   std::vector<const IXMLDOMNode*> entered;
   std::uint32_t entries = 0;
+  std::uint64_t work = 0;            // records and stops, without the records since the outermost was entered
+  std::size_t recordsBefore = 0;     // in the queue as the outermost was entered
+  std::uint32_t nestedElements = 0;  // groups and texts that are being translated within one another
 };

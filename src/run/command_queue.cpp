@@ -80,6 +80,8 @@ void PushWidth(double width, std::uint32_t size) {
   PushPayload(KEY_WIDT, size, payload);
 }
 
+void DropLastCommand() { DropTail(run.commands); }
+
 ImportCommand PopCommand(CommandQueue& queue) {
   if (queue.count == 0) return {};
   ImportCommand& slot = *queue.slots[queue.head & (queue.capacity - 1)];

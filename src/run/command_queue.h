@@ -38,6 +38,9 @@ void PushObject(CommandKey key, std::unique_ptr<Object> object) {
 // A new double from the host allocator. Throws std::bad_alloc.
 void PushWidth(double width, std::uint32_t size);
 
+// Drops the record that was pushed last, without its payload.
+void DropLastCommand();
+
 // Takes the record at the head; an empty queue gives a record with key 0 and size 0.
 ImportCommand PopCommand(CommandQueue& queue);
 

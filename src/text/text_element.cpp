@@ -1,5 +1,6 @@
 #include "text/text_element.h"
 
+#include "document/definitions.h"
 #include "document/node_access.h"
 #include "filter_limits.h"
 #include "operators/graphics_state.h"
@@ -109,6 +110,7 @@ void TakeFontSize(std::u16string_view value) {
 // The children are translated first, and a text among them replaces the characters and the font of this one: it is
 // meant.
 void TranslateText(IXMLDOMNode* node) {
+  const NestedElement nested;
   TakeCharacters(node);
   run.text.SetFontName(u"arial");
   ReplayPaintState();

@@ -102,6 +102,7 @@ void ApplyGroupAttribute(IXMLDOMNode* node, std::u16string_view name) {
 void TranslateTopLevelElement(IXMLDOMNode* node) { Translate(kTopLevel, node); }
 
 void TranslateGroup(IXMLDOMNode* node) {
+  const NestedElement nested;
   StartGroup();
   PushGraphicsState();
   ApplyGroupAttributes(node);
@@ -124,6 +125,7 @@ void TranslateGradientContainer(IXMLDOMNode* node) {
 
 // The children come first, so that style and transform do nothing for them.
 void TranslateTextSpan(IXMLDOMNode* node) {
+  const NestedElement nested;
   {
     ChildNodeList children;
     CollectChildNodes(node, children);
