@@ -101,6 +101,11 @@ TEST_F(Dump, NothingIsLeftInTheTemporaryFolder) {
   EXPECT_TRUE(TemporaryFolderIsEmpty());
 }
 
+TEST_F(Dump, ASettingLeavesTheDocumentBehindIt) {
+  Save("drawing.svg", kEmptyDrawing);
+  EXPECT_EQ(RunDump({"--set", "ZENTAL/Units=0", "--set", "ZENTAL/groups=1", "drawing.svg"}).status, 0);
+}
+
 TEST_F(Dump, WrongArgumentsAreStatus2) {
   Save("drawing.svg", kEmptyDrawing);
   const std::vector<std::vector<std::string>> wrong = {
