@@ -18,8 +18,9 @@ class FilterInstance {
     bool accepted = false;
     std::uint64_t records = 0;
   };
-  // Reads, translates, drains and releases every record.
-  Result Import(const std::u16string& path);
+  // Reads, translates, drains and releases every record. `recordBytes`, if given, is raised by the memory that the
+  // records and their payloads take, as the reference host's allocators handed it out.
+  Result Import(const std::u16string& path, std::uint64_t* recordBytes = nullptr);
 
  private:
   void* library_;

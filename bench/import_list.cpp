@@ -1,5 +1,5 @@
-// Imports every file of a list in one process, a fresh instance of the filter each, and holds the time against the floor: the XML
-// library alone over the same bytes, in the same run.
+// Imports every file of a list in one process, a fresh instance of the filter each, and holds the time against the
+// floor: the XML library alone over the same bytes, in the same run.
 
 #include <sys/resource.h>
 
@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +17,7 @@
 
 #include "bench/filter_instance.h"
 #include "bench/floor.h"
+#include "bench/timing.h"
 
 namespace {
 
@@ -28,13 +28,6 @@ constexpr char kHelp[] =
     "filter each. Prints MB/s, records/s and peak memory beside the floor: libxml2's SAX2 parser with empty handlers\n"
     "and one reused context over the same bytes. The passes alternate between both, and the best of each counts.\n"
     "Loading and unloading the library is told apart from the import.\n";
-
-// The processor time of this thread, in seconds: what else the machine is doing does not count.
-double Now() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 std::string ReadFile(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
@@ -51,18 +44,18 @@ struct Times {
 Times ImportAll(const std::vector<std::u16string>& paths) {
   Times times;
   for (const std::u16string& path : paths) {
-    const double before = Now();
+    const double before = ThreadSeconds();
     double loaded, imported;
     {
       FilterInstance filter;
-      loaded = Now();
+      loaded = ThreadSeconds();
       const FilterInstance::Result result = filter.Import(path);
-      imported = Now();
+      imported = ThreadSeconds();
       times.records += result.records;
       times.accepted += result.accepted;
     }
     times.import += imported - loaded;
-    times.load += (loaded - before) + (Now() - imported);
+    times.load += (loaded - before) + (ThreadSeconds() - imported);
   }
   return times;
 }
@@ -108,9 +101,9 @@ int main(int argc, char** argv) try {
   XmlFloor floor;
   double bestFloor = 1e300;
   for (int pass = 0; pass < passes; ++pass) {
-    const double before = Now();
+    const double before = ThreadSeconds();
     for (const std::string& text : texts) floor.Parse(text);
-    bestFloor = std::min(bestFloor, Now() - before);
+    bestFloor = std::min(bestFloor, ThreadSeconds() - before);
     const Times times = ImportAll(paths);
     if (times.import < best.import) best.import = times.import;
     if (times.load < best.load) best.load = times.load;

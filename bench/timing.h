@@ -1,0 +1,37 @@
+// How the benchmarks take time.
+#pragma once
+
+#include <ctime>
+
+#include <algorithm>
+#include <limits>
+
+// The processor time of this thread, in seconds: what else the machine is doing does not count.
+inline double ThreadSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+template <class Work>
+double SecondsOf(Work work) {
+  const double before = ThreadSeconds();
+  work();
+  return ThreadSeconds() - before;
+}
+
+struct BestPair {
+  double first = std::numeric_limits<double>::infinity();
+  double second = std::numeric_limits<double>::infinity();
+};
+
+// The best of each of two works, which return their seconds. The passes alternate, so that a disturbance meets both.
+template <class First, class Second>
+BestPair BestOfBoth(int passes, First first, Second second) {
+  BestPair best;
+  for (int pass = 0; pass < passes; ++pass) {
+    best.first = std::min(best.first, first());
+    best.second = std::min(best.second, second());
+  }
+  return best;
+}
