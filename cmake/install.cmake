@@ -12,6 +12,9 @@ set_target_properties(svgimport svgimport-host PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "$ORIGIN")
 set_target_properties(svgimport-tool svgimport-ops PROPERTIES
   INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR};$ORIGIN/../lib")
+# The build tree looks the same as the installed one. With a path of its own it would be padded with an empty entry, by
+# which the loader would look for the host's services in the current folder.
+set_target_properties(svgimport svgimport-host svgimport-tool svgimport-ops PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 set_target_properties(svgimport PROPERTIES EXPORT_NAME filter)
 set_target_properties(svgimport-host PROPERTIES EXPORT_NAME host)
 

@@ -32,9 +32,27 @@ std::set<std::string> DefinedSymbols(bool demangle) {
   return symbols;
 }
 
+// Where the loader looks for what the built library asks for: the entries of its own search path, one after the other.
+std::string SearchPath() {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> readelf(
+      popen("readelf --dynamic --wide " SVGIMPORT_LIB_DIR "/libsvgimport.so", "r"), pclose);
+  char line[1024];
+  while (std::fgets(line, sizeof line, readelf.get()) != nullptr) {
+    const std::string text = line;
+    const std::size_t open = text.find("Library runpath: [");
+    if (open != text.npos) return text.substr(text.find('[') + 1, text.find(']') - text.find('[') - 1);
+  }
+  return {};
+}
+
 }  // namespace
 
 // --- What the library shows
+
+// An empty entry would be the current folder, from which anybody's gTypeHub.dll would be loaded.
+TEST(FilterLibrarySymbols, TheLoaderLooksForServicesBesideTheLibraryAndNotInTheCurrentFolder) {
+  EXPECT_EQ(SearchPath(), "$ORIGIN");
+}
 
 TEST(FilterLibrarySymbols, AreTheEntryPointsAndWhatComesWithTheHostsHeaders) {
   EXPECT_EQ(
