@@ -29,3 +29,14 @@ if(SVGIMPORT_SANITIZE)
     -fsanitize=${SVGIMPORT_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(svgimport-settings INTERFACE -fsanitize=${SVGIMPORT_SANITIZE})
 endif()
+
+# What an optimised build that is shipped checks and closes at no cost that can be felt. Code that is compiled without
+# optimisation sets SVGIMPORT_UNOPTIMISED, since the checks of the C library need it.
+if(NOT SVGIMPORT_SANITIZE)
+  set(optimised $<AND:$<CONFIG:Release,RelWithDebInfo>,$<NOT:$<BOOL:$<TARGET_PROPERTY:SVGIMPORT_UNOPTIMISED>>>>)
+  target_compile_options(svgimport-settings INTERFACE
+    $<${optimised}:-fstack-protector-strong> $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
+  target_link_options(svgimport-settings INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+endif()

@@ -55,10 +55,10 @@ bool PoolAllocator::StartSlab(std::size_t index) {
     chunkEnd_ = chunk_ + kChunkBytes;
   }
   const std::size_t blockSize = (index + 1) * kStep;
-  const auto* header = new (chunk_) SlabHeader{blockSize, index};
+  new (chunk_) SlabHeader{blockSize, index};
   SizeClass& sizeClass = classes_[index];
-  sizeClass.fresh = chunk_ + sizeof *header;
-  sizeClass.end = sizeClass.fresh + (kSlabBytes - sizeof *header) / blockSize * blockSize;
+  sizeClass.fresh = chunk_ + sizeof(SlabHeader);
+  sizeClass.end = sizeClass.fresh + (kSlabBytes - sizeof(SlabHeader)) / blockSize * blockSize;
   chunk_ += kSlabBytes;
   return true;
 }

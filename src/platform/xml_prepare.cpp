@@ -228,7 +228,9 @@ class Preparation {
         out_ += plain;
         if (stops == 0) continue;
       } else {
-        while (in_ != end_ && !StopsAt(place, *in_)) *out_++ = static_cast<char>(*in_++);
+        while (in_ != end_ && !StopsAt(place, *in_)) {
+          *out_++ = static_cast<char>(*in_++);  // NOLINT(clang-analyzer-core.NullDereference): Room has seen to it
+        }
         if (in_ == end_) return true;
       }
       if (*in_ == 0) return Refuse(u"A NUL stands in the document.");
