@@ -4,13 +4,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string_view>
 
 #include "headless_host/headless_host.h"
 #include "headless_host/text.h"
+#include "tools/document_bytes.h"
 
 namespace {
 
@@ -44,14 +43,6 @@ double LeadingNumber(std::string_view text) {
   return end.ec == std::errc() && std::isfinite(number) ? number : 0.0;
 }
 
-void BlankDoctype(std::string& text) {
-  const std::size_t word = text.find("!DOCTYPE");
-  if (word == text.npos) return;
-  const std::size_t start = text.rfind('<', word), end = std::min(text.find('>', word) + 1, text.size());
-  if (start != text.npos)
-    std::fill(text.begin() + static_cast<std::ptrdiff_t>(start), text.begin() + static_cast<std::ptrdiff_t>(end), ' ');
-}
-
 struct ReaderDeleter {
   void operator()(xmlTextReaderPtr reader) const { xmlFreeTextReader(reader); }
 };
@@ -66,11 +57,13 @@ double RootNumber(xmlTextReaderPtr reader, const char* name) {
 }  // namespace
 
 std::optional<DocumentPage> MeasureDocument(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  const double scale = UnitScale(text.substr(0, text.find('\0')));
+  std::string unread;
+  std::optional<std::string> bytes = ReadDocumentBytes(file, unread);
+  if (!bytes) return std::nullopt;
+  std::string& text = *bytes;
   text.resize(std::min(text.find('\0'), text.size()));
   BlankDoctype(text);
+  const double scale = UnitScale(text);
   const std::string utf8 = headless::Utf8FromText(headless::TextFromNarrow(text));
   const std::unique_ptr<xmlTextReader, ReaderDeleter> reader(xmlReaderForMemory(
       utf8.data(), static_cast<int>(std::min<std::size_t>(utf8.size(), 0x7FFFFFFF)), nullptr, "UTF-8",
