@@ -27,14 +27,14 @@ std::optional<std::string> ReadDocumentBytes(const std::string& file, std::strin
   } else if (static_cast<std::uint64_t>(status.st_size) > kMaxDocumentBytes) {
     reason = "the file is longer than 2 GiB";
   } else {
-    bytes.emplace(static_cast<std::size_t>(status.st_size), '\0');
+    std::string& text = bytes.emplace(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t filled = 0;
     ssize_t got = 1;
-    while (got > 0 && filled < bytes->size()) {
-      got = read(descriptor, bytes->data() + filled, bytes->size() - filled);
+    while (got > 0 && filled < text.size()) {
+      got = read(descriptor, text.data() + filled, text.size() - filled);
       if (got > 0) filled += static_cast<std::size_t>(got);
     }
-    bytes->resize(filled);
+    text.resize(filled);
   }
   close(descriptor);
   return bytes;

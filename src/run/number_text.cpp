@@ -27,8 +27,7 @@ constexpr std::uint64_t kDigitBlockScale = 100'000'000;
 constexpr char16_t kLanes[2 * kDigitBlock] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
 
 // The number of eight decimals: the digits at the start of the block, and a 0 for each of the rest. Returns how many
-// digits there were. Most numbers are a fraction of a few digits, whose count no loop can foresee: an import is 3 %
-// faster.
+// digits there were, which no loop over them could foresee.
 int ReadDecimals(const char16_t* from, std::uint64_t* number) {
   const __m128i nine = _mm_set1_epi16(9);
   __m128i digits = _mm_sub_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)), _mm_set1_epi16(u'0'));

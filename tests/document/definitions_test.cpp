@@ -1,10 +1,12 @@
 #include "document/definitions.h"
 
 #include <deque>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "document/node_access.h"
+#include "platform/narrow_text.h"
 #include "tests/support/fake_document.h"
 #include "tests/support/host_journal.h"
 
@@ -168,6 +170,49 @@ TEST_F(Definitions, AnEmptyReferenceFindsNoGradientAndNoPattern) {
   LoadDefs("<linearGradient id='a' x='1'/><pattern x='1'/>");
   EXPECT_EQ(Gradient(u""), u"none");
   EXPECT_EQ(Pattern(u""), u"none");
+}
+
+// Large tables are searched by a sorted order, which has to agree with a walk through the records at any time.
+TEST_F(Definitions, LargeTablesAreSearchedAsIfRecordByRecord) {
+  std::mt19937 random(1);
+  const auto id = [&random](std::size_t longest) {
+    std::u16string text(random() % (longest + 1), u' ');
+    for (char16_t& unit : text) unit = u"abAB1"[random() % 5];
+    return text;
+  };
+  const auto folded = [](std::u16string text) {
+    for (char16_t& unit : text) unit = unit == u'A' ? u'a' : unit == u'B' ? u'b' : unit;
+    return text;
+  };
+  std::vector<std::u16string> gradients, clips;
+  std::string elements;
+  for (int i = 0; i < 700; ++i) {
+    gradients.push_back(id(5));
+    clips.push_back(id(5));
+    elements += "<linearGradient id='" + NarrowFromWide(gradients.back()) + "'/><clipPath id='" +
+                NarrowFromWide(clips.back()) + "'/>";
+  }
+  Load("<g>" + elements + "</g>");
+  ChildNodeList groups, nodes;
+  CollectChildNodes(run.RootNode, groups);
+  CollectChildNodes(groups.At(0), nodes);
+  for (std::int32_t i = 0; i < 700; ++i) {
+    RecordGradientDef(nodes.At(2 * i), kLinearGradient);
+    RecordClipDef(nodes.At(2 * i + 1));
+    nodes.Keep(2 * i);
+    nodes.Keep(2 * i + 1);
+    for (int lookup = 0; lookup < 4; ++lookup) {
+      const std::u16string reference = id(6);
+      std::int32_t gradient = 0, clip = 0;
+      while (gradient <= i && (reference.empty() ||
+                               !folded(gradients[static_cast<std::size_t>(gradient)]).starts_with(folded(reference))))
+        ++gradient;
+      while (clip <= i && folded(clips[static_cast<std::size_t>(clip)]) != folded(reference)) ++clip;
+      const DefinitionTables& tables = run.definitions;
+      ASSERT_EQ(FindGradientDef(reference), gradient > i ? nullptr : tables.GradientDefs.records + gradient);
+      ASSERT_EQ(FindClipDef(reference), clip > i ? nullptr : tables.ClipDefs.records + clip);
+    }
+  }
 }
 
 TEST_F(Definitions, AnEmptyTableAndNoTableFindNothing) {

@@ -72,7 +72,7 @@ void Survey::Report(const LossKind* kind, const SvgNode& node, int line, std::st
   if (detail.size() > kMostDetail) {
     std::size_t end = kMostDetail - 3;
     while (end > 0 && (static_cast<unsigned char>(detail[end]) & 0xC0) == 0x80) --end;
-    detail = detail.substr(0, end) + "...";
+    detail.replace(end, detail.npos, "...");
   }
   std::string sentence = Fill(kind->sentence, node.name, detail);
   findings_.push_back({kind, line, node.name, std::string(node.Value("id")), std::move(detail), std::move(sentence)});
