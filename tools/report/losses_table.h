@@ -138,7 +138,7 @@ inline constexpr LossKind kLosses[] = {
     {"paint-reference", kLost, "{detail} finds no definition: the fill stays as it was", {}, {}},
     {"reference-other-definition",
      kChanged,
-     "{detail}, as ids are compared without case and only over their start",
+     "{detail}, as ids are compared without case and those of gradients and patterns only over their start",
      {},
      {}},
 
