@@ -9,7 +9,6 @@ constexpr std::string_view kTopElements = "path polygon polyline rect g circle e
 constexpr std::string_view kGroupElements = "path polygon polyline rect g ellipse text tspan line image circle";
 constexpr std::string_view kClipElements = "rect path text ellipse";
 constexpr std::string_view kDrawnElements = "path polygon polyline rect g circle ellipse line text tspan image";
-constexpr std::string_view kDefinitions = "clipPath pattern linearGradient radialGradient";
 // Of these only what refers to them is lost.
 constexpr std::string_view kReferencedElements = "symbol mask marker filter";
 
