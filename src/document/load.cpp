@@ -50,9 +50,10 @@ bool ReadBytes(int fd, char* to, std::size_t size, std::size_t* came) {
   return true;
 }
 
-void KeepText(std::unique_ptr<char[]> text, std::size_t size) {
+void KeepText(std::unique_ptr<char[]> text, std::size_t size, std::size_t blockSize) {
   run.file.FileBuffer = std::move(text);
   run.file.FileBufferSize = size;
+  run.file.blockSize = blockSize;
 }
 
 // The first place of `word`, or `end`.
@@ -86,13 +87,13 @@ bool ReadWholeFile(const char16_t* path) {
   if (!block) return false;
   std::size_t came;
   if (!ReadBytes(file.fd(), block.get(), size, &came) || came != size) {
-    KeepText(nullptr, 0);
+    KeepText(nullptr, 0, 0);
     return false;
   }
   block[size] = 0;
   // What lies behind a NUL is lost at this stage, but the block has room for it.
   const std::size_t length = std::strlen(block.get());
-  KeepText(std::move(block), length + 1);
+  KeepText(std::move(block), length + 1, size + 1);
   return true;
 }
 
@@ -102,13 +103,16 @@ bool ReadForLoading(const char16_t* path) {
   const auto size = static_cast<std::uint32_t>(lseek(file.fd(), 0, SEEK_END));
   lseek(file.fd(), 0, SEEK_SET);
   if (size == 0) return false;
-  std::unique_ptr<char[]> block(new char[std::size_t{size} + 1]);
+  const std::size_t blockSize = std::size_t{size} + 1;
+  // The block of the first read serves again: fresh memory costs as much as the read.
+  if (run.file.blockSize < blockSize) KeepText(std::unique_ptr<char[]>(new char[blockSize]), blockSize, blockSize);
+  char* const text = run.file.FileBuffer.get();
   std::size_t came;
-  ReadBytes(file.fd(), block.get(), size, &came);
-  std::memset(block.get() + came, 0, size + 1 - came);
-  BlankDoctype(block.get(), size);
-  if (IsInMillimetres(block.get(), size)) run.UnitScale = kMillimetreScale;
-  KeepText(std::move(block), std::size_t{size} + 1);
+  ReadBytes(file.fd(), text, size, &came);
+  std::memset(text + came, 0, blockSize - came);
+  BlankDoctype(text, size);
+  if (IsInMillimetres(text, size)) run.UnitScale = kMillimetreScale;
+  run.file.FileBufferSize = blockSize;
   return true;
 }
 
@@ -140,10 +144,12 @@ IXMLDOMNode* LoadDocument() {
   run.documents.emplace_back();
   LoadedDocument& loaded = run.documents.back();
   try {
-    AppendWideFromNarrow(loaded.text, bytes);
+    loaded.text.reset(new char16_t[bytes.size()]);
   } catch (const std::bad_alloc&) {
     throw DocumentError(kOutOfMemory, "IXMLDOMDocument");
   }
+
+  WidenNarrow(bytes, loaded.text.get());
 
   run.DomDocument = nullptr;
   loaded.document.reset(run.CreateDocument());
@@ -157,7 +163,7 @@ IXMLDOMNode* LoadDocument() {
   document->get_doctype(&doctype);
   if (doctype) doctype->Release();
   bool success = false;
-  Check(document->loadXML(loaded.text, &success));
+  Check(document->loadXML({loaded.text.get(), bytes.size()}, &success));
   if (success) {
     IXMLDOMNode* element = nullptr;
     Check(document->get_documentElement(&element));

@@ -11,6 +11,7 @@ class IXMLDOMNode;
 struct FileText {
   std::unique_ptr<char[]> FileBuffer;
   std::size_t FileBufferSize = 0;  // the NUL included
+  std::size_t blockSize = 0;       // of the memory behind FileBuffer, which may be more
 };
 
 // The first read, which proves that the file can be read. True if run.file then holds it, up to its first NUL.

@@ -48,22 +48,19 @@ void AppendCodePoint(std::string& utf8, std::uint32_t codePoint) {
 
 }  // namespace
 
-void AppendWideFromNarrow(std::u16string& wide, std::string_view narrow) {
-  const std::size_t start = wide.size();
-  wide.resize(start + narrow.size());
-  char16_t* to = wide.data() + start;
+void WidenNarrow(std::string_view narrow, char16_t* wide) {
   const char* from = narrow.data();
   for (const char* const end = from + narrow.size(); from != end;) {
     const std::size_t count = std::min(kAsciiBlock, static_cast<std::size_t>(end - from));
-    if (count < kAsciiBlock || !WidenBlock(from, to)) std::transform(from, from + count, to, WideUnit);
+    if (count < kAsciiBlock || !WidenBlock(from, wide)) std::transform(from, from + count, wide, WideUnit);
     from += count;
-    to += count;
+    wide += count;
   }
 }
 
 std::u16string WideFromNarrow(std::string_view narrow) {
-  std::u16string wide;
-  AppendWideFromNarrow(wide, narrow);
+  std::u16string wide(narrow.size(), u'\0');
+  WidenNarrow(narrow, wide.data());
   return wide;
 }
 

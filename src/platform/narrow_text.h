@@ -6,7 +6,8 @@
 
 // The five bytes that Windows-1252 leaves unassigned (81, 8D, 8F, 90, 9D) stand for the control codes of the same
 // number, so that every byte survives the way there and back.
-void AppendWideFromNarrow(std::u16string& wide, std::string_view narrow);
+// `wide` has room for as many units as there are bytes.
+void WidenNarrow(std::string_view narrow, char16_t* wide);
 std::u16string WideFromNarrow(std::string_view narrow);
 
 // A unit that the code page does not have becomes '?'.

@@ -60,13 +60,13 @@ std::string_view View(const xmlChar* text) { return text == nullptr ? std::strin
 class NameTable {
  public:
   // The name of these two dictionary texts; a null prefix is none.
-  XmlName Find(XmlArena& arena, const xmlChar* prefix, const xmlChar* localName) {
+  const XmlName* Find(XmlTree& tree, const xmlChar* prefix, const xmlChar* localName) {
     if (2 * (count_ + 1) > slots_.size()) Rehash();
     Slot* const slot = Place(slots_, prefix, localName);
     if (slot->localName == nullptr) {
       const std::string_view prefixText = View(prefix);
       const std::string_view localText = View(localName);
-      char16_t* const start = arena.TextRoom(prefixText.size() + 1 + localText.size());
+      char16_t* const start = tree.arena.TextRoom(prefixText.size() + 1 + localText.size());
       char16_t* end = start;
       if (prefix != nullptr) {
         end = Widen(prefixText.data(), prefixText.data() + prefixText.size(), end);
@@ -74,8 +74,9 @@ class NameTable {
       }
       const auto localOffset = static_cast<std::uint32_t>(end - start);
       end = Widen(localText.data(), localText.data() + localText.size(), end);
-      arena.LengthenText(static_cast<std::size_t>(end - start));
-      *slot = {prefix, localName, {arena.CloseText(), localOffset}};
+      tree.arena.LengthenText(static_cast<std::size_t>(end - start));
+      const std::u16string_view full = tree.arena.CloseText();
+      *slot = {prefix, localName, new (tree.arena.Allocate(sizeof(XmlName))) XmlName{&tree, full, localOffset}};
       ++count_;
     }
     return slot->name;
@@ -85,7 +86,7 @@ class NameTable {
   struct Slot {
     const xmlChar* prefix = nullptr;
     const xmlChar* localName = nullptr;  // null: the slot is free
-    XmlName name;
+    const XmlName* name = nullptr;
   };
 
   static Slot* Place(std::vector<Slot>& slots, const xmlChar* prefix, const xmlChar* localName) {
@@ -132,22 +133,22 @@ class TreeBuilder {
     NamedNode* node = nodes;
     for (int i = 0; i < attributeCount; ++i) {
       const xmlChar** const attribute = attributes + 5 * i;  // local name, prefix, URI, value, end of the value
-      const XmlName name = names_.Find(tree_.arena, attribute[1], attribute[0]);
+      const XmlName* const name = names_.Find(tree_, attribute[1], attribute[0]);
       const std::u16string_view value = StoreValue(Chars(attribute[3]), Chars(attribute[4]));
-      if (name.full == u"xml:space") {
+      if (name->full == u"xml:space") {
         if (value == u"preserve") preserves = true;
         if (value == u"default") preserves = false;
       }
-      new (node++) NamedNode(&tree_, kAttributeNode, name, value);
+      new (node++) NamedNode(name, kAttributeNode, value);
     }
     for (int i = 0; i < namespaceCount; ++i) {
       const xmlChar* const prefix = namespaces[2 * i];
-      const XmlName name = prefix == nullptr ? names_.Find(tree_.arena, nullptr, parser_->str_xmlns)
-                                             : names_.Find(tree_.arena, parser_->str_xmlns, prefix);
-      new (node++) NamedNode(&tree_, kAttributeNode, name, StoreText(View(namespaces[2 * i + 1])));
+      const XmlName* const name = prefix == nullptr ? names_.Find(tree_, nullptr, parser_->str_xmlns)
+                                                    : names_.Find(tree_, parser_->str_xmlns, prefix);
+      new (node++) NamedNode(name, kAttributeNode, StoreText(View(namespaces[2 * i + 1])));
     }
-    const XmlName name = names_.Find(tree_.arena, nullptr, localName);
-    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(&tree_, name.full, nodes, count);
+    const XmlName* const name = names_.Find(tree_, nullptr, localName);
+    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(name, nodes, count);
     element->preservesSpace = preserves;
     if (depth_ == 0) {
       tree_.root = element;
@@ -187,9 +188,9 @@ class TreeBuilder {
   void ProcessingInstruction(const xmlChar* target, std::string_view data) {
     if (depth_ == 0) return;
     EndText();
-    const XmlName name = names_.Find(tree_.arena, nullptr, target);
+    const XmlName* const name = names_.Find(tree_, nullptr, target);
     const std::u16string_view text = StoreText(data);
-    AddChild(new (tree_.arena.Allocate(sizeof(NamedNode))) NamedNode(&tree_, kProcessingInstructionNode, name, text));
+    AddChild(new (tree_.arena.Allocate(sizeof(NamedNode))) NamedNode(name, kProcessingInstructionNode, text));
   }
 
   void Error(const xmlError& error) {
@@ -250,7 +251,7 @@ class TreeBuilder {
   }
 
   void AddLeaf(NodeType type, std::u16string_view text) {
-    AddChild(new (tree_.arena.Allocate(sizeof(LeafNode))) LeafNode(&tree_, type, text));
+    AddChild(new (tree_.arena.Allocate(sizeof(LeafNode))) LeafNode(&tree_.noName, type, text));
   }
 
   void AddChild(TreeNode* child) {
@@ -278,11 +279,12 @@ class TreeBuilder {
   }
 
   std::u16string_view StorePlain(const PlainValue& value) {
-    if (!value.hasReturns) return {value.units, value.length};
-    char16_t* const units = tree_.arena.TextRoom(value.length);
+    const std::u16string_view text = text_.text.substr(value.start, value.length);
+    if (!value.hasReturns) return text;
+    char16_t* const units = tree_.arena.TextRoom(text.size());
     char16_t* to = units;
-    const char16_t* const end = value.units + value.length;
-    for (const char16_t* from = value.units; from != end; ++from) {
+    const char16_t* const end = text.data() + text.size();
+    for (const char16_t* from = text.data(); from != end; ++from) {
       if (*from == u'\r' && from + 1 != end && from[1] == u'\n') continue;
       *to++ = *from == u'\r' ? u'\n' : *from;
     }

@@ -20,12 +20,15 @@ constexpr std::size_t kBlock = 16;
 constexpr std::size_t kRoom = 4 * kBlock;
 
 // Few documents have more values.
-constexpr std::size_t kUnitsPerValue = 32;
+constexpr std::size_t kUnitsPerValue = 16;
 
 // NULs behind the text, for the library to look ahead over.
 constexpr std::size_t kPadding = 8;
 
 constexpr char16_t kByteOrderMark = 0xFEFF;
+
+// The length of a value fits: the whole text is no longer than kMaxDocumentBytes.
+constexpr std::uint32_t kLengthMask = 0x7FFFFFFF;
 
 // Where a run of units stands; each place has its own units at which the run stops.
 enum Place : unsigned char { kContent = 1, kTagBody = 2, kDoubleQuoted = 4, kSingleQuoted = 8, kUpToAngle = 16 };
@@ -96,6 +99,7 @@ class Preparation {
 
   PrepareStatus Run() {
     const std::size_t units = static_cast<std::size_t>(end_ - in_);
+    prepared_.text = {in_, units};
     prepared_.values.reserve(units / kUnitsPerValue);
     if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
     return status_;
@@ -163,8 +167,9 @@ class Preparation {
     for (; c != end_ && IsBreak(*c); c = PlainEnd<place>(c + 1)) hasReturns |= *c == u'\r';
     // The library needs the values of namespace declarations, and hands them out without their place in the text.
     if (c != end_ && *c == kQuote && !InNamespaceDeclaration()) {
-      prepared_.values.push_back(
-          {in_, static_cast<std::uint32_t>(c - in_), static_cast<std::uint32_t>(Written()), hasReturns});
+      prepared_.values.push_back({static_cast<std::uint32_t>(in_ - prepared_.text.data()),
+                                  static_cast<std::uint32_t>(c - in_) & kLengthMask, hasReturns,
+                                  static_cast<std::uint32_t>(Written())});
       in_ = c;
     }
     for (;;) {

@@ -12,10 +12,10 @@
 // The library sees an empty value in its place. It need not look through path data, which are most of a drawing, so
 // that an import is a tenth faster; and it cannot blank the line feeds and tabs of a value.
 struct PlainValue {
-  const char16_t* units;
-  std::uint32_t length;
-  std::uint32_t offset;  // of the empty value in the text that the library sees
-  bool hasReturns;       // carriage returns are still in the units
+  std::uint32_t start;  // in the wide text
+  std::uint32_t length : 31;
+  std::uint32_t hasReturns : 1;  // carriage returns are still in it
+  std::uint32_t offset;          // of the empty value in the text that the library sees
 };
 
 struct PreparedXml {
@@ -24,7 +24,8 @@ struct PreparedXml {
   PreparedXml(const PreparedXml&) = delete;
   PreparedXml& operator=(const PreparedXml&) = delete;
 
-  char* bytes = nullptr;  // from malloc; some NULs stand behind the last
+  std::u16string_view text;  // what was prepared
+  char* bytes = nullptr;     // from malloc; some NULs stand behind the last
   std::size_t size = 0;
   std::vector<PlainValue> values;     // by rising offset
   const char16_t* refusal = nullptr;  // why the text is refused, as a sentence
@@ -33,5 +34,5 @@ struct PreparedXml {
 // Too long is what the library cannot address, and what the interface does not take.
 enum class PrepareStatus { kPrepared, kRefused, kTooLong, kNoMemory };
 
-// Fills `prepared`, which must be fresh and points into the text.
+// Fills `prepared`, which must be fresh and keeps a view of the text.
 PrepareStatus PrepareXml(std::u16string_view text, PreparedXml* prepared);

@@ -18,9 +18,9 @@ HRESULT EmptyNodeList::get_item(std::int32_t, IXMLDOMNode** item) {
   return kFalse;
 }
 
-void TreeNode::AddRef() { ++tree_->references; }
+void TreeNode::AddRef() { ++name_->tree->references; }
 
-void TreeNode::Release() { --tree_->references; }
+void TreeNode::Release() { --name_->tree->references; }
 
 HRESULT TreeNode::get_nodeType(NodeType* type) {
   *type = Type();
@@ -43,18 +43,18 @@ HRESULT TreeNode::get_text(std::u16string_view* text) {
 }
 
 HRESULT TreeNode::get_childNodes(IXMLDOMNodeList** children) {
-  tree_->noChildren.AddRef();
-  *children = &tree_->noChildren;
+  name_->tree->noChildren.AddRef();
+  *children = &name_->tree->noChildren;
   return kOk;
 }
 
 HRESULT NamedNode::get_baseName(std::u16string_view* name) {
-  *name = FullName().substr(localOffset_);
+  *name = name_->full.substr(name_->localOffset);
   return kOk;
 }
 
 HRESULT ElementNode::get_baseName(std::u16string_view* name) {
-  *name = Text();
+  *name = name_->full;
   return kOk;
 }
 
@@ -66,7 +66,7 @@ HRESULT ElementNode::get_attributes(IXMLDOMNamedNodeMap** attributes) {
 
 HRESULT ElementNode::get_text(std::u16string_view* text) {
   *text = {};
-  std::u16string& joined = tree_->elementText;
+  std::u16string& joined = name_->tree->elementText;
   joined.clear();
   try {
     JoinText(joined);

@@ -28,6 +28,14 @@ class EmptyNodeList final : public IXMLDOMNodeList {
   XmlTree* tree_;
 };
 
+// A name as it stands in the document, and where its local part begins. It lies in the arena, once for all nodes that
+// bear it, and knows their tree.
+struct XmlName {
+  XmlTree* tree;
+  std::u16string_view full;
+  std::uint32_t localOffset = 0;
+};
+
 struct XmlTree {
   // Takes all nodes away, whatever references to them are out.
   void Clear() {
@@ -40,13 +48,14 @@ struct XmlTree {
   std::int64_t references = 0;  // to anything of the document but itself, out at the moment
   std::u16string elementText;   // the last one asked for
   EmptyNodeList noChildren{this};
+  XmlName noName{this, {}};  // of texts, CDATA sections and comments
 };
 
-// What all nodes have.
+// What all nodes have. There are many: what is the same for all nodes of one name is reached through the name.
 class TreeNode : public IXMLDOMNode {
  public:
-  TreeNode(XmlTree* tree, NodeType type, std::u16string_view text)
-      : tree_(tree),
+  TreeNode(const XmlName* name, NodeType type, std::u16string_view text)
+      : name_(name),
         text_(text.data()),
         textLength_(static_cast<std::uint32_t>(text.size())),
         type_(static_cast<std::uint8_t>(type)) {}
@@ -59,7 +68,7 @@ class TreeNode : public IXMLDOMNode {
   HRESULT get_text(std::u16string_view* text) override;
   HRESULT get_childNodes(IXMLDOMNodeList** children) override;
 
-  // The data of a leaf, the value of an attribute, the local name of an element.
+  // The data of a leaf, the value of an attribute; empty for an element.
   std::u16string_view Text() const { return {text_, textLength_}; }
   NodeType Type() const { return static_cast<NodeType>(type_); }
 
@@ -70,7 +79,7 @@ class TreeNode : public IXMLDOMNode {
  protected:
   ~TreeNode() = default;
 
-  XmlTree* tree_;
+  const XmlName* name_;
 
  private:
   const char16_t* text_;
@@ -85,36 +94,21 @@ class LeafNode final : public TreeNode {
   using TreeNode::TreeNode;
 };
 
-// A name as it stands in the document, and where its local part begins. The text lies in the arena.
-struct XmlName {
-  std::u16string_view full;
-  std::uint32_t localOffset = 0;
-};
-
 // An attribute, or a processing instruction under the name of its target.
 class NamedNode final : public TreeNode {
  public:
-  NamedNode(XmlTree* tree, NodeType type, const XmlName& name, std::u16string_view text)
-      : TreeNode(tree, type, text),
-        name_(name.full.data()),
-        nameLength_(static_cast<std::uint32_t>(name.full.size())),
-        localOffset_(name.localOffset) {}
+  using TreeNode::TreeNode;
 
   HRESULT get_baseName(std::u16string_view* name) override;
 
-  std::u16string_view FullName() const { return {name_, nameLength_}; }
-
- private:
-  const char16_t* name_;
-  std::uint32_t nameLength_;
-  std::uint32_t localOffset_;
+  std::u16string_view FullName() const { return name_->full; }
 };
 
 class ElementNode final : public TreeNode, public IXMLDOMNamedNodeMap, public IXMLDOMNodeList {
  public:
   // `attributes` lies in the arena. The children come later.
-  ElementNode(XmlTree* tree, std::u16string_view localName, NamedNode* attributes, std::int32_t attributeCount)
-      : TreeNode(tree, kElementNode, localName), attributes_(attributes), attributeCount_(attributeCount) {}
+  ElementNode(const XmlName* localName, NamedNode* attributes, std::int32_t attributeCount)
+      : TreeNode(localName, kElementNode, {}), attributes_(attributes), attributeCount_(attributeCount) {}
 
   void AddRef() override { TreeNode::AddRef(); }
   void Release() override { TreeNode::Release(); }

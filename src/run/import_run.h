@@ -33,7 +33,7 @@ struct ReleaseDocument {
 
 // A document and the text in which the values of its tree lie.
 struct LoadedDocument {
-  std::u16string text;
+  std::unique_ptr<char16_t[]> text;
   std::unique_ptr<IXMLDOMDocument, ReleaseDocument> document;
 };
 

@@ -51,11 +51,11 @@ TEST(NarrowText, SpecialBytesAreFoundAtEachPlaceOfABlock) {
   }
 }
 
-TEST(NarrowText, IsAppended) {
-  std::u16string wide = u"begun ";
-  AppendWideFromNarrow(wide, "\x80!");
-  AppendWideFromNarrow(wide, "");
-  EXPECT_EQ(wide, u"begun \u20AC!");
+TEST(NarrowText, IsWrittenInPlaceAndAppended) {
+  char16_t wide[] = u"begun xx.";
+  WidenNarrow("\x80!", wide + 6);
+  WidenNarrow("", wide + 8);
+  EXPECT_EQ(std::u16string_view(wide), u"begun \u20AC!.");
   std::string narrow = "begun ";
   AppendNarrowFromWide(narrow, u"\u20AC!");
   AppendNarrowFromWide(narrow, u"");
