@@ -1,7 +1,5 @@
 #include "document/load.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,15 +21,17 @@ constexpr double kMillimetreScale = 0.1;
 
 class OpenFile {
  public:
-  explicit OpenFile(const char16_t* path) : fd_(OpenHostFileForReading(path)) {}
+  explicit OpenFile(const char16_t* path) : fd_(OpenHostFileForReading(path, &size_)) {}
   ~OpenFile() {
     if (fd_ >= 0) close(fd_);
   }
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
   int fd() const { return fd_; }
+  std::uint64_t size() const { return size_; }
 
  private:
+  std::uint64_t size_ = 0;
   int fd_;
 };
 
@@ -80,9 +80,8 @@ bool ReadWholeFile(const char16_t* path) {
   if (!path) return false;
   const OpenFile file(path);
   if (file.fd() < 0) return false;
-  struct stat status;
-  if (fstat(file.fd(), &status) != 0 || status.st_size <= 0) return false;
-  const auto size = static_cast<std::size_t>(status.st_size);
+  const auto size = static_cast<std::size_t>(file.size());
+  if (size == 0) return false;
   std::unique_ptr<char[]> block(new (std::nothrow) char[size + 1]);
   if (!block) return false;
   std::size_t came;
@@ -100,8 +99,7 @@ bool ReadWholeFile(const char16_t* path) {
 bool ReadForLoading(const char16_t* path) {
   const OpenFile file(path);
   if (file.fd() < 0) return true;
-  const auto size = static_cast<std::uint32_t>(lseek(file.fd(), 0, SEEK_END));
-  lseek(file.fd(), 0, SEEK_SET);
+  const auto size = static_cast<std::uint32_t>(file.size());
   if (size == 0) return false;
   const std::size_t blockSize = std::size_t{size} + 1;
   // The block of the first read serves again: fresh memory costs as much as the read.

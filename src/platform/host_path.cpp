@@ -30,24 +30,27 @@ bool TrySpellings(std::u16string_view path, Take take) {
 }
 
 // Opens without waiting for the other end of a pipe. Returns -1 for anything but a regular file.
-int OpenRegular(const std::string& name, int flags) {
+int OpenRegular(const std::string& name, int flags, std::uint64_t* size) {
   int descriptor;
   do {
     descriptor = open(name.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, S_IRUSR | S_IWUSR);
   } while (descriptor == -1 && errno == EINTR);
   if (descriptor == -1) return -1;
   struct stat status;
-  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+    *size = static_cast<std::uint64_t>(status.st_size);
+    return descriptor;
+  }
   close(descriptor);
   return -1;
 }
 
 }  // namespace
 
-int OpenHostFileForReading(std::u16string_view path) {
+int OpenHostFileForReading(std::u16string_view path, std::uint64_t* size) {
   int descriptor = -1;
   TrySpellings(path, [&](const std::string& name) {
-    descriptor = OpenRegular(name, O_RDONLY);
+    descriptor = OpenRegular(name, O_RDONLY, size);
     return descriptor != -1;
   });
   return descriptor;
@@ -57,7 +60,8 @@ int OpenHostFileForWriting(std::u16string_view path) {
   std::string name = NativeNameOfExistingFile(path);
   if (name.empty()) name = NativeNameOfNewFile(path);
   if (name.empty()) return -1;
-  const int descriptor = OpenRegular(name, O_RDWR | O_CREAT | O_NOFOLLOW);
+  std::uint64_t size;
+  const int descriptor = OpenRegular(name, O_RDWR | O_CREAT | O_NOFOLLOW, &size);
   if (descriptor == -1) return -1;
   // Emptied only now that it is known to be a regular file.
   if (ftruncate(descriptor, 0) == 0) return descriptor;

@@ -5,11 +5,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
-// Opens a regular file for reading. Returns a descriptor that the caller closes, or -1.
-int OpenHostFileForReading(std::u16string_view path);
+// Opens a regular file for reading. Returns a descriptor that the caller closes, or -1. `size` is that of the file as
+// it was opened, in bytes.
+int OpenHostFileForReading(std::u16string_view path, std::uint64_t* size);
 
 // Opens a regular file for reading and writing: created with mode 0600 if absent, emptied if present, never through a
 // link in the place of the file. The folder must exist. Returns a descriptor that the caller closes, or -1.

@@ -87,6 +87,11 @@ std::string Utf8FromWide(std::u16string_view wide) {
   std::string utf8;
   utf8.reserve(wide.size());
   for (std::size_t i = 0; i < wide.size(); ++i) {
+    char block[kAsciiBlock];
+    while (wide.size() - i > kAsciiBlock && NarrowBlock(wide.data() + i, block)) {
+      utf8.append(block, kAsciiBlock);
+      i += kAsciiBlock;
+    }
     std::uint32_t codePoint = wide[i];
     if (codePoint >= 0xD800 && codePoint < 0xE000) {
       const bool pair = codePoint < 0xDC00 && i + 1 < wide.size() && (wide[i + 1] & 0xFC00) == 0xDC00;
@@ -106,6 +111,11 @@ std::u16string WideFromUtf8(std::string_view utf8) {
   std::u16string wide;
   wide.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size();) {
+    char16_t block[kAsciiBlock];
+    while (utf8.size() - i > kAsciiBlock && WidenBlock(utf8.data() + i, block)) {
+      wide.append(block, kAsciiBlock);
+      i += kAsciiBlock;
+    }
     const auto lead = static_cast<unsigned char>(utf8[i++]);
     if (lead < 0x80) {
       wide.push_back(lead);

@@ -52,6 +52,17 @@ std::u16string_view XmlArena::CloseText() {
   return text;
 }
 
+std::u16string_view XmlArena::StoreWithoutReturns(std::u16string_view text) {
+  char16_t* const units = TextRoom(text.size());
+  char16_t* to = units;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') continue;
+    *to++ = text[i] == u'\r' ? u'\n' : text[i];
+  }
+  LengthenText(static_cast<std::size_t>(to - units));
+  return CloseText();
+}
+
 // Makes room for so many bytes at `next_`, the open text included.
 void XmlArena::Grow(std::size_t bytes) {
   const std::size_t chunkBytes = chunkBytes_ == 0 ? kFirstChunk : std::min(2 * chunkBytes_, kLargestChunk);

@@ -27,6 +27,10 @@ class XmlArena {
   std::u16string_view CloseText();
   void DropText() { textLength_ = 0; }
 
+  // Stores a text with every carriage return, a line feed behind it included, as one line feed. Not while a text is
+  // open.
+  std::u16string_view StoreWithoutReturns(std::u16string_view text);
+
  private:
   struct Chunk {
     Chunk* previous;

@@ -95,7 +95,7 @@ class Document final : public IXMLDOMDocument {
   HRESULT Load(std::u16string_view text) {
     if (text.size() > kMaxDocumentBytes) return kInvalidArgument;
     PreparedXml prepared;
-    switch (PrepareXml(text, &prepared)) {
+    switch (PrepareXml(text, &tree_, &prepared)) {
       case PrepareStatus::kPrepared:
         return ParseXml(prepared, &tree_, &error_.failure);
       case PrepareStatus::kRefused:

@@ -55,28 +55,15 @@ const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(te
 
 std::string_view View(const xmlChar* text) { return text == nullptr ? std::string_view() : Chars(text); }
 
-// The names of one document, each once. They are told apart by the addresses of their texts in the library's
-// dictionary, which has each text once.
-class NameTable {
+// The names that the library tells, found by the addresses of their texts in its dictionary, which has each text once.
+class LibraryNames {
  public:
   // The name of these two dictionary texts; a null prefix is none.
   const XmlName* Find(XmlTree& tree, const xmlChar* prefix, const xmlChar* localName) {
     if (2 * (count_ + 1) > slots_.size()) Rehash();
     Slot* const slot = Place(slots_, prefix, localName);
     if (slot->localName == nullptr) {
-      const std::string_view prefixText = View(prefix);
-      const std::string_view localText = View(localName);
-      char16_t* const start = tree.arena.TextRoom(prefixText.size() + 1 + localText.size());
-      char16_t* end = start;
-      if (prefix != nullptr) {
-        end = Widen(prefixText.data(), prefixText.data() + prefixText.size(), end);
-        *end++ = u':';
-      }
-      const auto localOffset = static_cast<std::uint32_t>(end - start);
-      end = Widen(localText.data(), localText.data() + localText.size(), end);
-      tree.arena.LengthenText(static_cast<std::size_t>(end - start));
-      const std::u16string_view full = tree.arena.CloseText();
-      *slot = {prefix, localName, new (tree.arena.Allocate(sizeof(XmlName))) XmlName{&tree, full, localOffset}};
+      *slot = {prefix, localName, Intern(tree, View(prefix), View(localName))};
       ++count_;
     }
     return slot->name;
@@ -88,6 +75,25 @@ class NameTable {
     const xmlChar* localName = nullptr;  // null: the slot is free
     const XmlName* name = nullptr;
   };
+
+  static const XmlName* Intern(XmlTree& tree, std::string_view prefix, std::string_view localName) {
+    char16_t* const start = tree.arena.TextRoom(prefix.size() + 1 + localName.size());
+    char16_t* end = start;
+    if (!prefix.empty()) {
+      end = Widen(prefix.data(), prefix.data() + prefix.size(), end);
+      *end++ = u':';
+    }
+    const auto localOffset = static_cast<std::uint32_t>(end - start);
+    end = Widen(localName.data(), localName.data() + localName.size(), end);
+    tree.arena.LengthenText(static_cast<std::size_t>(end - start));
+    const XmlName* const known = tree.names.Find(tree.arena.OpenText());
+    if (known != nullptr) {
+      tree.arena.DropText();
+      return known;
+    }
+    const std::u16string_view full = tree.arena.CloseText();
+    return tree.names.Add(tree.arena, full, localOffset);
+  }
 
   static Slot* Place(std::vector<Slot>& slots, const xmlChar* prefix, const xmlChar* localName) {
     const std::size_t mask = slots.size() - 1;
@@ -127,13 +133,21 @@ class TreeBuilder {
       return;
     }
     bool preserves = Preserves();
-    const int count = attributeCount + namespaceCount;
-    auto* const nodes =
-        static_cast<NamedNode*>(tree_.arena.Allocate(sizeof(NamedNode) * static_cast<std::size_t>(count)));
-    NamedNode* node = nodes;
+    const PreparedTag tag = TakeTag();
+    // There may be fewer: the library does not tell of a declaration of the prefix "xml".
+    const auto others = static_cast<std::uint32_t>(attributeCount + namespaceCount);
+    if (others > tag.others) {
+      Refuse(kFailed, u"The attributes of a tag are not well-formed.");
+      return;
+    }
+    NamedNode* node = tag.attributes + tag.plain;
     for (int i = 0; i < attributeCount; ++i) {
       const xmlChar** const attribute = attributes + 5 * i;  // local name, prefix, URI, value, end of the value
       const XmlName* const name = names_.Find(tree_, attribute[1], attribute[0]);
+      if (attribute[1] == nullptr && IsPlain(tag, name)) {
+        Refuse(XML_ERR_ATTRIBUTE_REDEFINED, u"An attribute stands twice in a tag.");
+        return;
+      }
       const std::u16string_view value = StoreValue(Chars(attribute[3]), Chars(attribute[4]));
       if (name->full == u"xml:space") {
         if (value == u"preserve") preserves = true;
@@ -148,7 +162,8 @@ class TreeBuilder {
       new (node++) NamedNode(name, kAttributeNode, StoreText(View(namespaces[2 * i + 1])));
     }
     const XmlName* const name = names_.Find(tree_, nullptr, localName);
-    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(name, nodes, count);
+    const auto count = static_cast<std::int32_t>(tag.plain + others);
+    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(name, tag.attributes, count);
     element->preservesSpace = preserves;
     if (depth_ == 0) {
       tree_.root = element;
@@ -265,6 +280,19 @@ class TreeBuilder {
     return tree_.arena.CloseText();
   }
 
+  // What was prepared of the start tag at whose end the library is; nothing for one without attributes.
+  PreparedTag TakeTag() {
+    const auto offset = static_cast<std::size_t>(Chars(parser_->input->cur) - text_.bytes);
+    if (nextTag_ == text_.tags.size() || text_.tags[nextTag_].offset != offset) return {};
+    return text_.tags[nextTag_++];
+  }
+
+  static bool IsPlain(const PreparedTag& tag, const XmlName* name) {
+    const NamedNode* const end = tag.attributes + tag.plain;
+    return std::any_of(static_cast<const NamedNode*>(tag.attributes), end,
+                       [name](const NamedNode& node) { return node.Name() == name; });
+  }
+
   // Stores an attribute value: what the library saw of it, or the one that was set aside from this place.
   std::u16string_view StoreValue(const char* value, const char* end) {
     const std::vector<PlainValue>& values = text_.values;
@@ -280,28 +308,20 @@ class TreeBuilder {
 
   std::u16string_view StorePlain(const PlainValue& value) {
     const std::u16string_view text = text_.text.substr(value.start, value.length);
-    if (!value.hasReturns) return text;
-    char16_t* const units = tree_.arena.TextRoom(text.size());
-    char16_t* to = units;
-    const char16_t* const end = text.data() + text.size();
-    for (const char16_t* from = text.data(); from != end; ++from) {
-      if (*from == u'\r' && from + 1 != end && from[1] == u'\n') continue;
-      *to++ = *from == u'\r' ? u'\n' : *from;
-    }
-    tree_.arena.LengthenText(static_cast<std::size_t>(to - units));
-    return tree_.arena.CloseText();
+    return value.hasReturns ? tree_.arena.StoreWithoutReturns(text) : text;
   }
 
   const PreparedXml& text_;
   XmlTree& tree_;
   XmlFailure& failure_;
   xmlParserCtxtPtr parser_;
-  NameTable names_;
+  LibraryNames names_;
   HRESULT status_ = kOk;
   OpenElement open_[kMaxElementDepth];
   int depth_ = 0;
   std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
   bool blank_ = false;               // white space was dropped since the last child or tag
+  std::size_t nextTag_ = 0;
   std::size_t nextValue_ = 0;
 };
 

@@ -19,8 +19,8 @@ constexpr std::size_t kBlock = 16;
 // What one step of a scan writes at most: a block, or a unit at the end of one as three bytes or as a reference.
 constexpr std::size_t kRoom = 4 * kBlock;
 
-// Few documents have more values.
-constexpr std::size_t kUnitsPerValue = 16;
+// Few documents have more tags.
+constexpr std::size_t kUnitsPerTag = 64;
 
 // NULs behind the text, for the library to look ahead over.
 constexpr std::size_t kPadding = 8;
@@ -57,8 +57,32 @@ constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kSto
 
 constexpr bool IsBreak(char16_t unit) { return unit == u'\n' || unit == u'\t' || unit == u'\r'; }
 
-// Returns a bit for each unit of a block at which a run in this place stops, the lowest for the first. Copies the block
-// if `to` is not null.
+// The ASCII units of names without a prefix.
+struct NameTable {
+  constexpr NameTable() {
+    for (char16_t unit = u'a'; unit <= u'z'; ++unit) starts[unit] = continues[unit] = true;
+    for (char16_t unit = u'A'; unit <= u'Z'; ++unit) starts[unit] = continues[unit] = true;
+    for (char16_t unit = u'0'; unit <= u'9'; ++unit) continues[unit] = true;
+    starts[u'_'] = continues[u'_'] = true;
+    continues[u'-'] = continues[u'.'] = true;
+  }
+  bool starts[128] = {};
+  bool continues[128] = {};
+};
+
+constexpr NameTable kNames;
+
+constexpr bool StartsName(char16_t unit) { return unit <= 0x7F && kNames.starts[unit]; }
+constexpr bool ContinuesName(char16_t unit) { return unit <= 0x7F && kNames.continues[unit]; }
+
+// A bit for each unit of a block of a quoted value, the lowest for the first: those that end what is plain, and the
+// carriage returns.
+struct ValueBlock {
+  unsigned stops;
+  unsigned returns;
+};
+
+// Copies a block and returns a bit for each unit at which a run in this place stops, the lowest for the first.
 #ifdef __SSE2__
 template <Place place>
 unsigned FindStops(const char16_t* from, char* to) {
@@ -66,7 +90,7 @@ unsigned FindStops(const char16_t* from, char* to) {
   const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
   // Units that are no bytes become 0xFF or, from 0x8000 on, 0. A run stops at either everywhere.
   const __m128i bytes = _mm_packus_epi16(low, high);
-  if (to != nullptr) _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
   // By their sign, bytes beyond ASCII are less than the lowest that does not stop.
   __m128i stops = _mm_cmplt_epi8(bytes, _mm_set1_epi8((place & kQuoted) != 0 ? 0x20 : 1));
   const auto stopAt = [&](char byte) { stops = _mm_or_si128(stops, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))); };
@@ -78,15 +102,39 @@ unsigned FindStops(const char16_t* from, char* to) {
   if constexpr ((place & (kTagBody | kSingleQuoted)) != 0) stopAt('\'');
   return static_cast<unsigned>(_mm_movemask_epi8(stops));
 }
+
+template <Place place>
+ValueBlock FindValueEnd(const char16_t* from) {
+  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
+  const __m128i bytes = _mm_packus_epi16(low, high);
+  const auto equal = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+  const __m128i returns = equal('\r');
+  const __m128i breaks = _mm_or_si128(_mm_or_si128(equal('\n'), equal('\t')), returns);
+  const __m128i codes = _mm_andnot_si128(breaks, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
+  const __m128i signs = _mm_or_si128(_mm_or_si128(equal('<'), equal('&')), equal(place == kDoubleQuoted ? '"' : '\''));
+  return {static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(codes, signs))),
+          static_cast<unsigned>(_mm_movemask_epi8(returns))};
+}
 #else
 template <Place place>
 unsigned FindStops(const char16_t* from, char* to) {
   unsigned stops = 0;
   for (std::size_t i = 0; i < kBlock; ++i) {
-    if (to != nullptr) to[i] = static_cast<char>(from[i]);
+    to[i] = static_cast<char>(from[i]);
     if (StopsAt(place, from[i])) stops |= 1u << i;
   }
   return stops;
+}
+
+template <Place place>
+ValueBlock FindValueEnd(const char16_t* from) {
+  ValueBlock block = {};
+  for (std::size_t i = 0; i < kBlock; ++i) {
+    if (StopsAt(place, from[i]) && !IsBreak(from[i])) block.stops |= 1u << i;
+    if (from[i] == u'\r') block.returns |= 1u << i;
+  }
+  return block;
 }
 #endif
 
@@ -94,13 +142,13 @@ unsigned FindStops(const char16_t* from, char* to) {
 // its time, `status_` telling why.
 class Preparation {
  public:
-  Preparation(std::u16string_view text, PreparedXml* prepared)
-      : prepared_(*prepared), in_(text.data()), end_(text.data() + text.size()) {}
+  Preparation(std::u16string_view text, XmlTree* tree, PreparedXml* prepared)
+      : prepared_(*prepared), tree_(*tree), in_(text.data()), end_(text.data() + text.size()) {}
 
   PrepareStatus Run() {
     const std::size_t units = static_cast<std::size_t>(end_ - in_);
     prepared_.text = {in_, units};
-    prepared_.values.reserve(units / kUnitsPerValue);
+    prepared_.tags.reserve(units / kUnitsPerTag);
     if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
     return status_;
   }
@@ -141,30 +189,104 @@ class Preparation {
   }
 
   bool CopyTag() {
-    int attributes = 0;
     *out_++ = '<';  // the run in front of it has left room
     ++in_;
+    // Plain attributes are taken behind a name of the commonest kind and behind attributes alone: so far a tag that is
+    // wrong is wrong whatever follows, and one that is right stays so without them.
+    const bool takesPlain = CopyTagName();
+    int attributes = 0;  // that the library sees
+    plain_.clear();
+    ++tagNumber_;
     for (;;) {
+      if (takesPlain && !TakePlainAttributes()) return false;
       if (!CopyRun<kTagBody>()) return false;
       if (in_ == end_) return true;
       const char16_t unit = *in_;
       // The library would take this for the start of another tag, with attributes that are not counted.
       if (unit == u'<') return Refuse(u"A tag is not closed in front of the next.");
+      if (unit == u'>') {
+        if (attributes != 0 || !plain_.empty()) StoreTag(attributes);
+        *out_++ = '>';
+        ++in_;
+        return true;
+      }
       *out_++ = static_cast<char>(unit);
       ++in_;
-      if (unit == u'>') return true;
-      if (++attributes > kMaxAttributes) return Refuse(u"An element has more than 10 000 attributes.");
+      ++attributes;
+      if (TooManyAttributes(attributes)) return false;
       if (!(unit == u'"' ? CopyValue<kDoubleQuoted>() : CopyValue<kSingleQuoted>())) return false;
     }
+  }
+
+  // Copies the name of a start tag, if it is ASCII and not too long; returns whether it was, with a blank behind it.
+  bool CopyTagName() {
+    constexpr std::ptrdiff_t kMostUnits = kRoom / 2;
+    const char16_t* const start = in_;
+    if (in_ == end_ || !StartsName(*in_)) return false;
+    while (in_ != end_ && in_ - start < kMostUnits && (ContinuesName(*in_) || *in_ == u':')) {
+      *out_++ = static_cast<char>(*in_++);
+    }
+    return in_ != end_ && (*in_ == u' ' || IsBreak(*in_));
+  }
+
+  // Sets all attributes aside that stand here in a row and are plain.
+  bool TakePlainAttributes() {
+    for (;;) {
+      const char16_t* name = in_;
+      while (name != end_ && (*name == u' ' || IsBreak(*name))) ++name;
+      if (name == in_ || name == end_ || !StartsName(*name)) return true;
+      const char16_t* c = name + 1;
+      while (c != end_ && ContinuesName(*c)) ++c;
+      const std::u16string_view nameText(name, static_cast<std::size_t>(c - name));
+      if (end_ - c < 4 || *c != u'=' || nameText == u"xmlns") return true;
+      const char16_t quote = c[1];
+      if (quote != u'"' && quote != u'\'') return true;
+      const char16_t* const value = c + 2;
+      bool hasReturns;
+      c = quote == u'"' ? ValueEnd<kDoubleQuoted>(value, &hasReturns) : ValueEnd<kSingleQuoted>(value, &hasReturns);
+      if (c == end_ || *c != quote || c + 1 == end_) return true;
+      const char16_t next = c[1];
+      if (next != u' ' && next != u'>' && next != u'/' && !IsBreak(next)) return true;
+
+      XmlName* known = tree_.names.Find(nameText);
+      if (known == nullptr) known = tree_.names.Add(tree_.arena, nameText, 0);
+      if (known->lastTag == tagNumber_) return Refuse(u"An attribute stands twice in a tag.");
+      known->lastTag = tagNumber_;
+      plain_.push_back({known, {value, static_cast<std::size_t>(c - value)}, hasReturns});
+      if (TooManyAttributes(0)) return false;
+      in_ = c + 1;
+    }
+  }
+
+  // Whether there are more attributes than an element may have, when so many are not plain.
+  bool TooManyAttributes(int others) {
+    if (plain_.size() + static_cast<std::size_t>(others) <= kMaxAttributes) return false;
+    Refuse(u"An element has more than 10 000 attributes.");
+    return true;
+  }
+
+  void StoreTag(int others) {
+    const std::size_t count = plain_.size() + static_cast<std::size_t>(others);
+    // A text is stored in the arena before the nodes are, which lie in one piece.
+    for (PlainAttribute& attribute : plain_) {
+      if (attribute.hasReturns) attribute.value = tree_.arena.StoreWithoutReturns(attribute.value);
+    }
+    auto* const nodes = static_cast<NamedNode*>(tree_.arena.Allocate(count * sizeof(NamedNode)));
+    NamedNode* node = nodes;
+    for (const PlainAttribute& attribute : plain_) {
+      new (node++) NamedNode(attribute.name, kAttributeNode, attribute.value);
+    }
+    const std::size_t end = Written() - (out_[-1] == '/' ? 1 : 0);
+    prepared_.tags.push_back({nodes, static_cast<std::uint32_t>(plain_.size()), static_cast<std::uint32_t>(others),
+                              static_cast<std::uint32_t>(end)});
   }
 
   // Sets the rest of an attribute value behind its first quote aside, or copies it, and copies the last quote.
   template <Place place>
   bool CopyValue() {
     constexpr char16_t kQuote = place == kDoubleQuoted ? u'"' : u'\'';
-    bool hasReturns = false;
-    const char16_t* c = PlainEnd<place>(in_);
-    for (; c != end_ && IsBreak(*c); c = PlainEnd<place>(c + 1)) hasReturns |= *c == u'\r';
+    bool hasReturns;
+    const char16_t* const c = ValueEnd<place>(in_, &hasReturns);
     // The library needs the values of namespace declarations, and hands them out without their place in the text.
     if (c != end_ && *c == kQuote && !InNamespaceDeclaration()) {
       prepared_.values.push_back({static_cast<std::uint32_t>(in_ - prepared_.text.data()),
@@ -188,15 +310,22 @@ class Preparation {
     }
   }
 
-  // The first unit from here on at which a run in this place stops, or the end.
+  // The end of what is plain in a value from here on: its last quote, or what is not plain.
   template <Place place>
-  const char16_t* PlainEnd(const char16_t* from) const {
+  const char16_t* ValueEnd(const char16_t* from, bool* hasReturns) const {
+    unsigned returns = 0;
     while (end_ - from >= static_cast<std::ptrdiff_t>(kBlock)) {
-      const unsigned stops = FindStops<place>(from, nullptr);
-      if (stops != 0) return from + std::countr_zero(stops);
+      const ValueBlock block = FindValueEnd<place>(from);
+      if (block.stops != 0) {
+        const int plain = std::countr_zero(block.stops);
+        *hasReturns = (returns | (block.returns & ((1u << plain) - 1))) != 0;
+        return from + plain;
+      }
+      returns |= block.returns;
       from += kBlock;
     }
-    while (from != end_ && !StopsAt(place, *from)) ++from;
+    for (; from != end_ && (!StopsAt(place, *from) || IsBreak(*from)); ++from) returns |= *from == u'\r' ? 1u : 0u;
+    *hasReturns = returns != 0;
     return from;
   }
 
@@ -324,7 +453,16 @@ class Preparation {
     std::memset(out_, 0, kPadding);
   }
 
+  struct PlainAttribute {
+    const XmlName* name;
+    std::u16string_view value;
+    bool hasReturns;
+  };
+
   PreparedXml& prepared_;
+  XmlTree& tree_;
+  std::vector<PlainAttribute> plain_;  // of the tag at hand
+  std::uint32_t tagNumber_ = 0;
   const char16_t* in_;
   const char16_t* end_;
   char* out_ = nullptr;
@@ -336,9 +474,9 @@ class Preparation {
 
 PreparedXml::~PreparedXml() { std::free(bytes); }
 
-PrepareStatus PrepareXml(std::u16string_view text, PreparedXml* prepared) {
+PrepareStatus PrepareXml(std::u16string_view text, XmlTree* tree, PreparedXml* prepared) {
   try {
-    return Preparation(text, prepared).Run();
+    return Preparation(text, tree, prepared).Run();
   } catch (const std::bad_alloc&) {
     return PrepareStatus::kNoMemory;
   }

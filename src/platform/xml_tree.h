@@ -1,5 +1,6 @@
 // The tree behind a document: nodes that lie in the document's arena, are never destroyed one by one and know their
-// tree only to count references. Most attribute values lie in the document's text. An element is its own attribute map and child list, so that reading takes no memory.
+// tree only to count references. Most attribute values lie in the document's text. An element is its own attribute map
+// and child list, so that reading takes no memory.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +10,7 @@
 
 #include "platform/xml_arena.h"
 #include "platform/xml_document.h"
+#include "platform/xml_names.h"
 
 class ElementNode;
 struct XmlTree;
@@ -28,22 +30,16 @@ class EmptyNodeList final : public IXMLDOMNodeList {
   XmlTree* tree_;
 };
 
-// A name as it stands in the document, and where its local part begins. It lies in the arena, once for all nodes that
-// bear it, and knows their tree.
-struct XmlName {
-  XmlTree* tree;
-  std::u16string_view full;
-  std::uint32_t localOffset = 0;
-};
-
 struct XmlTree {
   // Takes all nodes away, whatever references to them are out.
   void Clear() {
     root = nullptr;
+    names.Clear();
     arena.Clear();
   }
 
   XmlArena arena;
+  XmlNames names{this};
   ElementNode* root = nullptr;
   std::int64_t references = 0;  // to anything of the document but itself, out at the moment
   std::u16string elementText;   // the last one asked for
@@ -102,6 +98,7 @@ class NamedNode final : public TreeNode {
   HRESULT get_baseName(std::u16string_view* name) override;
 
   std::u16string_view FullName() const { return name_->full; }
+  const XmlName* Name() const { return name_; }
 };
 
 class ElementNode final : public TreeNode, public IXMLDOMNamedNodeMap, public IXMLDOMNodeList {

@@ -13,7 +13,8 @@ namespace {
 
 // What the file of this path holds; "(closed)" when it can't be opened.
 std::string ContentOf(std::u16string_view path) {
-  const int descriptor = OpenHostFileForReading(path);
+  std::uint64_t size;
+  const int descriptor = OpenHostFileForReading(path, &size);
   if (descriptor == -1) return "(closed)";
   char block[64];
   const ssize_t count = read(descriptor, block, sizeof block);
@@ -101,7 +102,8 @@ TEST(HostPath, OnlyRegularFilesAreOpened) {
   ASSERT_EQ(mkfifo((folder.Path() / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(ContentOf(folder.Wide() + u"/pipe"), "(closed)");  // and does not wait for a writer
   EXPECT_EQ(OpenHostFileForWriting(folder.Wide() + u"/pipe"), -1);
-  EXPECT_EQ(OpenHostFileForReading(u"/dev/zero"), -1);
+  std::uint64_t size;
+  EXPECT_EQ(OpenHostFileForReading(u"/dev/zero", &size), -1);
 }
 
 TEST(HostPath, ReadingGoesThroughLinks) {

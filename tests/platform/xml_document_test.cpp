@@ -231,6 +231,24 @@ TEST(XmlDocument, AttributesAreFoundByTheirFullNameOnly) {
   EXPECT_EQ(Attribute(dom.Root(), u""), u"(absent)");
 }
 
+TEST(XmlDocument, AttributesAreFoundHoweverTheyAreWritten) {
+  Dom dom;
+  ASSERT_TRUE(
+      dom.Load(u"<svg a='1' b = '2'\r\n\tc='&#51;'  p:d='4' xmlns:p='u' e=\"5\n6\r\n7\r8\" f='\u00E9' "
+               u"xmlns:xml='http://www.w3.org/XML/1998/namespace' g=''/>"));
+  const std::u16string_view expected[][2] = {
+      {u"a", u"1"},          {u"b", u"2"},      {u"c", u"3"},       {u"p:d", u"4"},
+      {u"e", u"5\n6\n7\n8"}, {u"f", u"\u00E9"}, {u"xmlns:p", u"u"}, {u"g", u""}};
+  for (const auto& [name, value] : expected) EXPECT_EQ(Attribute(dom.Root(), name), value);
+}
+
+TEST(XmlDocument, TheNameOfAnElementHidesNoAttributeOfThatName) {
+  Dom dom;
+  ASSERT_TRUE(dom.Load(u"<a a='1' b='&#50;'><b a='&#51;' b='4'/></a>"));
+  EXPECT_EQ(Attribute(dom.Root(), u"a"), u"1");
+  EXPECT_EQ(Attribute(dom.Root(), u"b"), u"2");
+}
+
 TEST(XmlDocument, NamespaceDeclarationsAreAttributes) {
   Dom dom;
   ASSERT_TRUE(dom.Load(u"<svg xmlns='one' xmlns:p='two' p:a='1'/>"));

@@ -91,6 +91,33 @@ TEST(XmlRefusal, TextsThatAreNotWellFormed) {
   }
 }
 
+TEST(XmlRefusal, TagsThatWouldBeRightWithoutTheirPlainAttributes) {
+  for (const std::u16string_view text : {u"<a><a/ x='1'></a>",     u"<a/ x='1'>",
+                                         u"<a>< x='1'/a>",         u"<a></a x='1'>",
+                                         u"<a>< x='1' /a>",        u"<a b= x='1' 'c'/>",
+                                         u"<a b x='1' ='c'/>",     u"<a b='c' / x='1'>",
+                                         u"<a b='c'/ x='1'>",      u"<a x='1'y='2' z='3'/>",
+                                         u"<a x='1' y='2'z='3'/>", u"<a x='1'\u00A0y='2'/>",
+                                         u"<a x='1'/y='2'>",       u"<a x='1'/ y='2'/>",
+                                         u"<a= x='1'/>",           u"<a'' x='1'/>",
+                                         u"<a:b x='1'/>",          u"<a:b:c x='1' xmlns:a='u'/>",
+                                         u"<a x.='1' .y='2'/>",    u"<a -x='1'/>",
+                                         u"<a x='1\u0001'/>",      u"<a x='1' y='<'/>"}) {
+    EXPECT_FALSE(Loads(text)) << ::testing::PrintToString(std::u16string(text));
+  }
+}
+
+TEST(XmlRefusal, AnAttributeThatStandsTwiceHoweverItIsWritten) {
+  for (const std::u16string_view text :
+       {u"<a x='1' x='1'/>", u"<a x='1' y='2' x=\"3\"/>", u"<a x='1' x='&#49;'/>", u"<a x='&#49;' x='1'/>",
+        u"<a x='1' x = '2'/>", u"<a x = '2' x='1'/>", u"<a x='1' y='2' x='\u00E9'/>", u"<a x='&#49;' x='&#50;'/>",
+        u"<a xmlns='u' xmlns='v'/>", u"<a xmlns:p='u' p:x='1' p:x='2'/>"}) {
+    EXPECT_FALSE(Loads(text)) << ::testing::PrintToString(std::u16string(text));
+  }
+  EXPECT_TRUE(Loads(u"<a x='1'><a x='1'/><a x='1'></a></a>"));
+  EXPECT_TRUE(Loads(u"<a x='1' X='1' x-='1' xmlns:p='u' p:x='1'/>"));
+}
+
 TEST(XmlRefusal, WellFormedTextsAroundTheElement) {
   for (const std::u16string_view text :
        {u"<a/>", u"\n <a/> \n", u"<!-- x --><a/><!-- y -->", u"<?p q?><a/><?p?>", u"<?xml version='1.0'?><a/>",
