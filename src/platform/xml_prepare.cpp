@@ -198,7 +198,7 @@ class Preparation {
     plain_.clear();
     ++tagNumber_;
     for (;;) {
-      if (takesPlain && !TakePlainAttributes()) return false;
+      if (takesPlain && !TakePlainAttributes(attributes)) return false;
       if (!CopyRun<kTagBody>()) return false;
       if (in_ == end_) return true;
       const char16_t unit = *in_;
@@ -229,8 +229,8 @@ class Preparation {
     return in_ != end_ && (*in_ == u' ' || IsBreak(*in_));
   }
 
-  // Sets all attributes aside that stand here in a row and are plain.
-  bool TakePlainAttributes() {
+  // Sets all attributes aside that stand here in a row and are plain, behind so many that are not.
+  bool TakePlainAttributes(int others) {
     for (;;) {
       const char16_t* name = in_;
       while (name != end_ && (*name == u' ' || IsBreak(*name))) ++name;
@@ -253,12 +253,12 @@ class Preparation {
       if (known->lastTag == tagNumber_) return Refuse(u"An attribute stands twice in a tag.");
       known->lastTag = tagNumber_;
       plain_.push_back({known, {value, static_cast<std::size_t>(c - value)}, hasReturns});
-      if (TooManyAttributes(0)) return false;
+      if (TooManyAttributes(others)) return false;
       in_ = c + 1;
     }
   }
 
-  // Whether there are more attributes than an element may have, when so many are not plain.
+  // Refuses more attributes than an element may have, when so many are not plain.
   bool TooManyAttributes(int others) {
     if (plain_.size() + static_cast<std::size_t>(others) <= kMaxAttributes) return false;
     Refuse(u"An element has more than 10 000 attributes.");
