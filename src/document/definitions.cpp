@@ -1,8 +1,9 @@
 #include "document/definitions.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
-#include <numeric>
+#include <iterator>
 
 #include "document/node_access.h"
 #include "run/host_memory.h"
@@ -13,50 +14,75 @@ namespace {
 
 enum class Comparison { kWhole, kPrefix };
 
-// A search first goes through the records from the front as far as this, and through those that are not sorted yet.
-constexpr std::size_t kFewRecords = 64;
+constexpr std::uint32_t kUnitBits = 16;
+constexpr std::uint32_t kIdBits = (kMaxIdUnits + 1) * kUnitBits;
 
-bool Matches(const DefinitionRecord& record, std::u16string_view reference, Comparison comparison) {
-  // Ids of one document differ at the end more often than at the start. What stands behind an id is 0.
-  if (reference.size() > kMaxIdUnits) return false;
-  if (!reference.empty() && LowerUnit(record.id[reference.size() - 1]) != LowerUnit(reference.back())) return false;
-  if (comparison == Comparison::kWhole && record.id[reference.size()] != 0) return false;
-  return StartsWithAnyCase({record.id, reference.size()}, reference);
-}
+// An id or a reference without its case, and zeros behind it.
+struct FoldedId {
+  explicit FoldedId(std::u16string_view id) { std::transform(id.begin(), id.end(), units, LowerUnit); }
+  explicit FoldedId(const DefinitionRecord& record) : FoldedId({record.id, std::size(record.id)}) {}
 
-// By the units of the ids without their case, a NUL behind each.
-int Compare(const char16_t* id, std::u16string_view text) {
-  for (const char16_t unit : text) {
-    const int difference = LowerUnit(*id++) - LowerUnit(unit);
-    if (difference != 0) return difference;
+  std::uint32_t Bit(std::uint32_t bit) const { return (units[bit / kUnitBits] >> bit % kUnitBits) & 1u; }
+
+  char16_t units[kMaxIdUnits + 1] = {};
+};
+
+// The first bit in which the two differ, or kIdBits.
+std::uint32_t FirstDifference(const FoldedId& a, const FoldedId& b) {
+  for (std::uint32_t i = 0; i <= kMaxIdUnits; ++i) {
+    const auto bits = static_cast<unsigned>(a.units[i] ^ b.units[i]);
+    if (bits != 0) return i * kUnitBits + static_cast<std::uint32_t>(std::countr_zero(bits));
   }
-  return *id;
+  return kIdBits;
 }
 
-// Brings the order up to date once a third of the records is missing from it, so that sorting stays cheap however
-// definitions and references take turns.
-void SortRecords(DefinitionTable& table) {
-  const auto count = static_cast<std::size_t>(table.count) - 1;  // the blank one is going to change
-  if (count - table.sorted.size() <= std::max(kFewRecords, table.sorted.size() / 2)) return;
-  table.sorted.resize(count);
-  std::iota(table.sorted.begin(), table.sorted.end(), 0);
-  std::sort(table.sorted.begin(), table.sorted.end(), [&](std::int32_t a, std::int32_t b) {
-    const int difference = Compare(table.records[a].id, table.records[b].id);
-    return difference != 0 ? difference < 0 : a < b;
-  });
+IdBranch& BranchAt(DefinitionTable& table, std::int32_t link) { return table.branches[static_cast<std::size_t>(link)]; }
+
+// Where the id leads to by its bits in front of `end`: to a record, or to a branch at a later bit.
+std::int32_t& Follow(DefinitionTable& table, const FoldedId& id, std::uint32_t end) {
+  std::int32_t* link = &table.top;
+  while (*link >= 0) {
+    IdBranch& branch = BranchAt(table, *link);
+    if (branch.bit >= end) break;
+    link = &branch.next[id.Bit(branch.bit)];
+  }
+  return *link;
+}
+
+std::int32_t FirstBehind(DefinitionTable& table, std::int32_t link) {
+  return link < 0 ? ~link : BranchAt(table, link).first;
+}
+
+// Takes the record at `place`, which is behind all others, into the tree.
+void AddBranch(DefinitionTable& table, const FoldedId& id, std::uint32_t bit, std::int32_t place) {
+  const auto added = static_cast<std::int32_t>(table.branches.size());
+  table.branches.emplace_back();
+  std::int32_t& link = Follow(table, id, bit);
+  IdBranch& branch = table.branches.back();
+  branch = {bit, FirstBehind(table, link), {link, link}};
+  branch.next[id.Bit(bit)] = ~place;
+  link = added;
 }
 
 // The table grows by one record at a time.
 void Record(DefinitionTable& table, IXMLDOMNode* node, std::int32_t kind) {
   const std::u16string_view id = GetNodeAttribute(node, u"id").substr(0, kMaxIdUnits);
-  if (!table.nodes.insert(node).second) {
-    node->Release();
-    return;
+  const FoldedId folded(id);
+  const std::int32_t place = table.count - 1;
+  std::uint32_t bit = kIdBits;
+  if (place > 0) {
+    const DefinitionRecord& nearest = table.records[~Follow(table, folded, kIdBits)];
+    bit = FirstDifference(folded, FoldedId(nearest));
+    if (bit == kIdBits && (nearest.node == node || !table.repeats.insert(node).second)) {
+      node->Release();
+      return;
+    }
   }
   const auto count = static_cast<std::size_t>(table.count);
   auto* records = static_cast<DefinitionRecord*>(ReallocateHost(table.records, (count + 1) * sizeof(DefinitionRecord)));
   table.records = records;
-  DefinitionRecord& record = records[count - 1];
+  if (bit != kIdBits) AddBranch(table, folded, bit, place);
+  DefinitionRecord& record = records[place];
   id.copy(record.id, id.size());
   record.id[id.size()] = 0;
   record.kind = kind;
@@ -65,32 +91,15 @@ void Record(DefinitionTable& table, IXMLDOMNode* node, std::int32_t kind) {
   ++table.count;
 }
 
-// The first of the sorted records that matches, or `count`.
-std::int32_t FindSorted(const DefinitionTable& table, std::u16string_view reference, Comparison comparison) {
-  const auto begin = std::lower_bound(
-      table.sorted.begin(), table.sorted.end(), reference,
-      [&](std::int32_t i, std::u16string_view text) { return Compare(table.records[i].id, text) < 0; });
-  const auto end = std::partition_point(
-      begin, table.sorted.end(), [&](std::int32_t i) { return Matches(table.records[i], reference, comparison); });
-  return begin == end ? table.count : *std::min_element(begin, end);
-}
-
+// The ids behind a place in the tree have the bits in front of it in common, so that the first of them answers for all.
 const DefinitionRecord* Find(DefinitionTable& table, std::u16string_view reference, Comparison comparison) {
-  if (!table.records) return nullptr;
-  const auto search = [&](std::int32_t from, std::int32_t to) {
-    while (from < to && !Matches(table.records[from], reference, comparison)) ++from;
-    return from;
-  };
-  const std::int32_t front = std::min(table.count, static_cast<std::int32_t>(kFewRecords));
-  std::int32_t found = search(0, front);
-  if (found == front && front < table.count) {
-    SortRecords(table);
-    found = FindSorted(table, reference, comparison);
-    if (found == table.count) found = search(static_cast<std::int32_t>(table.sorted.size()), table.count);
-  }
-  // The blank record matches as well.
-  if (found == table.count || !table.records[found].node) return nullptr;
-  return &table.records[found];
+  if (!table.records || reference.size() > kMaxIdUnits) return nullptr;
+  const FoldedId id(reference);
+  const auto end =
+      static_cast<std::uint32_t>(reference.size() + (comparison == Comparison::kWhole ? 1 : 0)) * kUnitBits;
+  const DefinitionRecord& found = table.records[FirstBehind(table, Follow(table, id, end))];
+  if (!StartsWithAnyCase({found.id, std::size(found.id)}, {id.units, end / kUnitBits})) return nullptr;
+  return found.node ? &found : nullptr;  // the blank record can match as well
 }
 
 const DefinitionRecord* FindByPrefix(DefinitionTable& table, std::u16string_view reference) {
@@ -112,8 +121,9 @@ void FreeDefinitions(DefinitionTable& table) {
   }
   FreeHost(table.records);
   table.records = nullptr;
-  table.sorted.clear();
-  table.nodes.clear();
+  table.branches.clear();
+  table.top = ~0;
+  table.repeats.clear();
 }
 
 // The references of all children stay with the tables and the document: the ones passed over are never given back.

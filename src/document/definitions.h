@@ -20,13 +20,21 @@ struct DefinitionRecord {
   IXMLDOMNode* node;             // with one reference; null in the blank record
 };
 
+// Parts ids at a bit in which they differ.
+struct IdBranch {
+  std::uint32_t bit;
+  std::int32_t first;    // the place of the first record behind it
+  std::int32_t next[2];  // by the bit: a branch, or ~place of a record
+};
+
 // `count` records from the host allocator, of which the last is blank and takes the next definition.
 struct DefinitionTable {
   DefinitionRecord* records = nullptr;
-  std::int32_t count = 1;                        // never reset, not even by CloseFile
-  std::unordered_set<const IXMLDOMNode*> nodes;  // those of the records
-  // Places of the first records, by their ids without case and then by place: the lookups of large tables use it.
-  std::vector<std::int32_t> sorted;
+  std::int32_t count = 1;  // never reset, not even by CloseFile
+  // The tree that the lookups go by. Of records with one id, whatever its case, it holds the first.
+  std::vector<IdBranch> branches;
+  std::int32_t top = ~0;                           // as `next` of a branch; record 0 is always there
+  std::unordered_set<const IXMLDOMNode*> repeats;  // nodes of the records that the tree does not hold
 };
 
 struct DefinitionTables {

@@ -172,7 +172,7 @@ TEST_F(Definitions, AnEmptyReferenceFindsNoGradientAndNoPattern) {
   EXPECT_EQ(Pattern(u""), u"none");
 }
 
-// Large tables are searched by a sorted order, which has to agree with a walk through the records at any time.
+// The tree has to agree with a walk through the records at any time.
 TEST_F(Definitions, LargeTablesAreSearchedAsIfRecordByRecord) {
   std::mt19937 random(1);
   const auto id = [&random](std::size_t longest) {
@@ -263,6 +263,38 @@ TEST_F(Definitions, RecordingTakesTheReferenceOver) {
   CloseFile();
   EXPECT_EQ(clip.references, 0);
   EXPECT_EQ(gradient.references, 0);
+}
+
+TEST_F(Definitions, ANodeIsRecordedOnceEvenIfItSharesItsIdWithAnother) {
+  FakeDocument document;
+  document.root.Add(u"g");
+  ASSERT_EQ(Check("x"), 1);
+  FakeNode first(u"clipPath"), second(u"clipPath");
+  first.Set(u"id", u"c");
+  second.Set(u"id", u"C");
+  for (int round = 0; round < 3; ++round) {
+    for (FakeNode* node : {&first, &second}) {
+      node->AddRef();
+      EXPECT_TRUE(RecordClipDef(node));
+    }
+  }
+  EXPECT_EQ(run.definitions.ClipDefs.count, 3);
+  EXPECT_EQ(FindClipDef(u"c")->node, &first);
+  EXPECT_EQ(first.references, 1);
+  EXPECT_EQ(second.references, 1);
+  CloseFile();
+}
+
+TEST_F(Definitions, OfASecondImportFollowTheBlankRecordsOfTheFirst) {
+  LoadDefs("<pattern id='a'/><pattern id='b'/><clipPath id='a'/>");
+  CloseFile();
+  LoadDefs("<pattern id='ab' x='1'/><clipPath id='b' x='2'/><clipPath x='3'/>");
+  EXPECT_EQ(run.definitions.PatternDefs.count, 4);
+  EXPECT_EQ(Pattern(u"a"), u"1");
+  EXPECT_EQ(Pattern(u"b"), u"none");
+  EXPECT_EQ(Clip(u"b"), u"2");
+  EXPECT_EQ(Clip(u"a"), u"none");
+  EXPECT_EQ(Clip(u""), u"none");  // a blank record comes first
 }
 
 TEST_F(Definitions, CountsOutliveCloseFile) {
