@@ -5,12 +5,15 @@
 
 #include "document/node_access.h"
 #include "images/image_element.h"
+#include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
+#include "paint/gradient_fill.h"
 #include "run/host_memory.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
 #include "text/text_element.h"
 #include "translators/element_dispatch.h"
+#include "translators/path_data.h"
 #include "translators/shapes.h"
 #include "translators/style.h"
 #include "translators/transform.h"
@@ -22,14 +25,16 @@ template <std::size_t N>
 void FeedLengths(IXMLDOMNode* node, const std::u16string_view (&names)[N]) {
   for (const std::u16string_view name : names) {
     const std::u16string_view value = GetNodeAttribute(node, name);
-    if (value.empty()) {
-      FeedOperatorText(u"0.0", kPushOnly);
+    double number = 0.0;
+    const char16_t* cursor = value.data();
+    if (value.empty() || ReadPlainNumber(cursor, value.data() + value.size(), &number)) {
+      PushNumber(number);
       continue;
     }
-    GrowingText number;
+    GrowingText text;
     UnitCode unit;
-    ScanLength(value, number, &unit);
-    FeedOperatorText(number, kPushOnly);
+    ScanLength(value, text, &unit);
+    FeedOperatorText(text, kPushOnly);
   }
 }
 
@@ -116,8 +121,8 @@ void TranslateGradient(IXMLDOMNode* node, GradientKind kind) {
   const std::u16string_view href = GetNodeAttribute(node, u"xlink:href");
   if (!href.empty()) ReadGradientStops(href);
   ParseTransform(GetNodeAttribute(node, u"transform"), MatrixTarget::Current);
-  FeedOperatorText(kind == kLinearGradient ? u"0" : u"1", kPushOnly);
-  FeedOperatorText(u"@k", kExecute);
+  PushNumber(kind == kLinearGradient ? 0.0 : 1.0);
+  OperatorGradientFill({u"@k", 1});
   TranslateGradientChildren(node);
 }
 

@@ -1,9 +1,14 @@
 #include "translators/shapes.h"
 
+#include <algorithm>
+
 #include "document/node_access.h"
 #include "operators/graphics_state.h"
+#include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
+#include "operators/path.h"
 #include "operators/path_end.h"
+#include "operators/polygon.h"
 #include "translators/clip_reference.h"
 #include "translators/path_data.h"
 #include "translators/style.h"
@@ -11,19 +16,26 @@
 
 namespace {
 
+// A plain number is pushed without a way through operator text.
 void FeedNumber(std::u16string_view value) {
-  GrowingText number;
-  ScanNumber(ScanFrom::Number, value, number);
-  FeedOperatorText(number, kPushOnly);
+  const char16_t* cursor = value.data();
+  double number;
+  if (ReadPlainNumber(cursor, value.data() + value.size(), &number)) {
+    PushNumber(number);
+    return;
+  }
+  GrowingText text;
+  ScanNumber(ScanFrom::Number, value, text);
+  FeedOperatorText(text, kPushOnly);
 }
 
-// A missing attribute without a default pushes nothing, so that the operands in front of it slide into its place.
+// A missing attribute pushes nothing, so that the operands in front of it slide into its place.
 void FeedAttribute(IXMLDOMNode* node, std::u16string_view name) { FeedNumber(GetNodeAttribute(node, name)); }
 
-void FeedAttributeOr(IXMLDOMNode* node, std::u16string_view name, std::u16string_view fallback) {
+void FeedAttributeOrZero(IXMLDOMNode* node, std::u16string_view name) {
   const std::u16string_view value = GetNodeAttribute(node, name);
   if (value.empty()) {
-    FeedOperatorText(fallback, kPushOnly);
+    PushNumber(0.0);
   } else {
     FeedNumber(value);
   }
@@ -67,22 +79,42 @@ void ApplyStyleOrReplay(IXMLDOMNode* node) {
   if (!ApplyStyleOrFold(node)) ReplayPaintState();
 }
 
-// Writes a moveto for the first pair of points and a lineto for each further one. `first` receives the first pair.
-void FeedPoints(std::u16string_view points, GrowingText& first) {
-  GrowingText pair;
-  bool moved = false;
-  while (true) {
-    while (!points.empty() && points[0] <= 32) points.remove_prefix(1);
-    if (points.empty()) return;
-    const std::size_t consumed = ScanCoordinatePair(ScanFrom::Number, points, pair);
-    // A unit that no scanner takes ends the list.
-    if (consumed == 0) return;
-    points.remove_prefix(consumed < points.size() ? consumed : points.size());
-    if (!moved) first.Append(pair);
-    pair.Append(moved ? u" L" : u" M");
-    FeedOperatorText(pair, kExecute);
-    moved = true;
+// Moves to the pair of points that the text begins with, or draws the line to it, a plain pair without a way through
+// operator text. Returns the units to go on by, 0 at a unit that no scanner takes.
+std::size_t DrawPair(std::u16string_view points, char16_t letter) {
+  const char16_t* cursor = points.data();
+  Point point;
+  if (ReadPlainPair(cursor, points.data() + points.size(), &point)) {
+    if (letter == u'M') {
+      MoveTo(point, false);
+    } else {
+      LineTo(point, false);
+    }
+    return static_cast<std::size_t>(cursor - points.data());
   }
+  GrowingText pair;
+  const std::size_t consumed = ScanCoordinatePair(ScanFrom::Number, points, pair);
+  if (consumed == 0) return 0;
+  pair.Push(u' ');
+  pair.Push(letter);
+  FeedOperatorText(pair, kExecute);
+  return consumed;
+}
+
+// Draws all pairs, with a moveto to the first. Returns the text from the first pair on.
+std::u16string_view DrawPoints(std::u16string_view points) {
+  const auto skipSpace = [&points] {
+    while (!points.empty() && points[0] <= 32) points.remove_prefix(1);
+  };
+  skipSpace();
+  const std::u16string_view first = points;
+  for (char16_t letter = u'M'; !points.empty(); letter = u'L') {
+    const std::size_t consumed = DrawPair(points, letter);
+    if (consumed == 0) break;
+    points.remove_prefix(std::min(consumed, points.size()));
+    skipSpace();
+  }
+  return first;
 }
 
 }  // namespace
@@ -104,11 +136,9 @@ bool ApplyStyleOrFold(IXMLDOMNode* node) {
 void TranslatePolygon(IXMLDOMNode* node) {
   const bool clipped = BeginClippedShape(node);
   ApplyStyleOrShortFold(node);
-  GrowingText first;
-  FeedPoints(GetNodeAttribute(node, u"points"), first);
-  first.Append(u" L");
-  FeedOperatorText(first, kExecute);
-  FeedOperatorText(u"0 0 M", kExecute);
+  const std::u16string_view first = DrawPoints(GetNodeAttribute(node, u"points"));
+  if (DrawPair(first, u'L') == 0) OperatorLineTo({u"L", 1});
+  MoveTo({0.0, 0.0}, false);
   EndClippedShape(clipped);
 }
 
@@ -116,10 +146,9 @@ void TranslatePolygon(IXMLDOMNode* node) {
 void TranslatePolyline(IXMLDOMNode* node) {
   const bool clipped = BeginClippedShape(node);
   ApplyStyleOrShortFold(node);
-  GrowingText first;
-  FeedPoints(GetNodeAttribute(node, u"points"), first);
-  FeedOperatorText(u"Z2", kExecute);
-  FeedOperatorText(u"0 0 M", kExecute);
+  DrawPoints(GetNodeAttribute(node, u"points"));
+  OperatorCloseIfNear({u"Z2", 1});
+  MoveTo({0.0, 0.0}, false);
   EndClippedShape(clipped);
 }
 
@@ -128,8 +157,8 @@ void TranslateRect(IXMLDOMNode* node) {
   ApplyStyleOrReplay(node);
   FeedAttribute(node, u"width");
   FeedAttribute(node, u"height");
-  FeedAttributeOr(node, u"x", u"0");
-  FeedAttributeOr(node, u"y", u"0");
+  FeedAttributeOrZero(node, u"x");
+  FeedAttributeOrZero(node, u"y");
   std::u16string_view rx = GetNodeAttribute(node, u"rx");
   std::u16string_view ry = GetNodeAttribute(node, u"ry");
   if (rx.empty()) rx = ry;
@@ -137,7 +166,7 @@ void TranslateRect(IXMLDOMNode* node) {
   if (rx.empty()) rx = ry = u"0";
   FeedNumber(rx);
   FeedNumber(ry);
-  FeedOperatorText(u" rect", kExecute);
+  OperatorRectangle({u"rect", 1});
   EndClippedShape(clipped);
 }
 
@@ -150,7 +179,7 @@ void TranslateEllipse(IXMLDOMNode* node) {
   FeedAttribute(node, u"cy");
   FeedAttribute(node, u"rx");
   FeedAttribute(node, u"ry");
-  FeedOperatorText(u" E", kExecute);
+  OperatorEllipse({u"E", 1});
   EndShape();
 }
 
@@ -165,10 +194,10 @@ void TranslateCircle(IXMLDOMNode* node) {
   }
   ParseTransform(GetNodeAttribute(node, u"transform"), MatrixTarget::Current);
   ApplyStyleOrReplay(node);
-  FeedAttributeOr(node, u"cx", u"0");
-  FeedAttributeOr(node, u"cy", u"0");
+  FeedAttributeOrZero(node, u"cx");
+  FeedAttributeOrZero(node, u"cy");
   FeedAttribute(node, u"r");
-  FeedOperatorText(u" circle", kExecute);
+  OperatorCircle({u"circle", 1});
   EndShape();
 }
 
@@ -176,11 +205,11 @@ void TranslateLine(IXMLDOMNode* node) {
   PushGraphicsState();
   ParseTransform(GetNodeAttribute(node, u"transform"), MatrixTarget::Current);
   ApplyStyleOrFold(node);
-  FeedAttributeOr(node, u"x1", u"0.0");
-  FeedAttributeOr(node, u"y1", u"0.0");
-  FeedOperatorText(u" M", kExecute);
-  FeedAttributeOr(node, u"x2", u"0.0");
-  FeedAttributeOr(node, u"y2", u"0.0");
-  FeedOperatorText(u" L", kExecute);
+  FeedAttributeOrZero(node, u"x1");
+  FeedAttributeOrZero(node, u"y1");
+  OperatorMoveTo({u"M", 1});
+  FeedAttributeOrZero(node, u"x2");
+  FeedAttributeOrZero(node, u"y2");
+  OperatorLineTo({u"L", 1});
   EndShape();
 }
