@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <vector>
 
 #include "host/polygon.h"
 #include "operators/operand_stack.h"
@@ -163,19 +164,28 @@ bool DevicePenToUser(Point* user) {
   return true;
 }
 
-// A corner of a rectangle: the samples behind the first angle, which falls to the second.
-void AddCorner(Point centre, double rx, double ry, double from, double to) {
-  for (double angle = from - kStep; angle > to; angle -= kStep) {
-    AddCurveSide({centre.x + rx * std::cos(angle), centre.y + ry * std::sin(angle)});
+// The cosines and sines of the angles from `first` on, up to `end` but without it. The angles of ellipses and corners
+// are always the same, and working them out anew would be a twentieth of an import of shapes.
+std::vector<Point> Directions(double first, double step, double end) {
+  std::vector<Point> directions;
+  for (double angle = first; step > 0.0 ? angle < end : angle > end; angle += step) {
+    directions.push_back({std::cos(angle), std::sin(angle)});
   }
+  return directions;
 }
 
+void AddSamples(Point centre, double rx, double ry, const std::vector<Point>& directions) {
+  for (const Point& d : directions) AddCurveSide({centre.x + rx * d.x, centre.y + ry * d.y});
+}
+
+// Of a corner of a rectangle: the samples behind the first angle, which falls to the second.
+std::vector<Point> CornerDirections(double from, double to) { return Directions(from - kStep, -kStep, to); }
+
 void AddEllipse(Point centre, double rx, double ry) {
+  static const std::vector<Point> turn = Directions(0.0, kStep, kFullTurn);
   BeginPolygon();
-  for (double angle = 0.0; angle < kFullTurn; angle += kStep) {
-    AddCurveSide({centre.x + rx * std::cos(angle), centre.y + ry * std::sin(angle)});
-  }
-  const Point last = {centre.x + rx * std::cos(0.0), centre.y + ry * std::sin(0.0)};
+  AddSamples(centre, rx, ry, turn);
+  const Point last = {centre.x + rx * turn[0].x, centre.y + ry * turn[0].y};
   AddCurveSide(last);
   FinishPolygon();
   run.path.deviceCurrent = ToDevice(last);
@@ -265,22 +275,26 @@ void OperatorRectangle(const OperatorCall&) {
   BeginPolygon();
   AddStraightSide({innerRight, bottom});
   if (round) {
-    AddCorner({innerRight, innerBottom}, rx, ry, kQuarterTurn, 0.0);
+    static const std::vector<Point> corner = CornerDirections(kQuarterTurn, 0.0);
+    AddSamples({innerRight, innerBottom}, rx, ry, corner);
     AddStraightSide({right, innerBottom});
   }
   AddStraightSide({right, innerTop});
   if (round) {
-    AddCorner({innerRight, innerTop}, rx, ry, kFullTurn, kThreeQuarterTurn);
+    static const std::vector<Point> corner = CornerDirections(kFullTurn, kThreeQuarterTurn);
+    AddSamples({innerRight, innerTop}, rx, ry, corner);
     AddStraightSide({innerRight, y});
   }
   AddStraightSide({innerLeft, y});
   if (round) {
-    AddCorner({innerLeft, innerTop}, rx, ry, kThreeQuarterTurn, kHalfTurn);
+    static const std::vector<Point> corner = CornerDirections(kThreeQuarterTurn, kHalfTurn);
+    AddSamples({innerLeft, innerTop}, rx, ry, corner);
     AddStraightSide({x, innerTop});
   }
   AddStraightSide({x, innerBottom});
   if (round) {
-    AddCorner({innerLeft, innerBottom}, rx, ry, kHalfTurn, kQuarterTurn);
+    static const std::vector<Point> corner = CornerDirections(kHalfTurn, kQuarterTurn);
+    AddSamples({innerLeft, innerBottom}, rx, ry, corner);
     AddStraightSide({innerLeft, bottom});
   }
   const PolygonSide first = run.currentPolygon->sides[0];
