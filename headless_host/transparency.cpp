@@ -8,6 +8,8 @@ using headless::JournalCall;
 using headless::journaling;
 using headless::liveCounts;
 
+constexpr std::size_t kFirstMarkers = 4;  // room for the stops of most gradients
+
 struct TransparencyAccess {
   static const TM& WorldToFill(const CQXShapeTransparency& shape) { return shape.worldToFill_; }
   static const std::vector<CTransMarker>& Markers(const CQXShapeTransparency& shape) { return shape.markers_; }
@@ -67,6 +69,7 @@ void CQXShapeTransparency::ChangeWorldToFillTm(TM matrix) {
 }
 
 int CQXShapeTransparency::AddOpacityMarker(CTransMarker marker) {
+  if (markers_.empty()) markers_.reserve(kFirstMarkers);
   markers_.push_back(marker);
   const int count = static_cast<int>(markers_.size());
   if (journaling) JournalCall("CQXShapeTransparency::AddOpacityMarker", marker).Result(count);

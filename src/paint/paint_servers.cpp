@@ -85,9 +85,9 @@ void NewStopBlock(GraphicsState& frame, std::uint32_t room) {
   frame.stops = block;
 }
 
-// The text behind the ":" that follows `match`, without its blanks.
-std::u16string_view ValueBehind(std::u16string_view text, std::size_t match) {
-  const std::size_t colon = text.find(u':', match);
+// The text behind the next ":" from `start` on, without its blanks.
+std::u16string_view ValueBehind(std::u16string_view text, std::size_t start) {
+  const std::size_t colon = text.find(u':', start);
   if (colon == text.npos) return {};
   text.remove_prefix(colon + 1);
   while (text.starts_with(u' ')) text.remove_prefix(1);
@@ -164,12 +164,14 @@ void ParseStopStyle(std::u16string_view style, std::int32_t index) {
   GraphicsState& frame = CurrentFrame();
   GradientStop& stop = frame.stops->Stops()[index];
   stop.opacity = 1.0;
-  const std::size_t colour = style.find(u"stop-color");
+  constexpr std::u16string_view kColour = u"stop-color";
+  constexpr std::u16string_view kOpacity = u"stop-opacity";
+  const std::size_t colour = style.find(kColour);
   if (colour == style.npos) return;
-  const std::u16string_view value = ValueBehind(style, colour);
+  const std::u16string_view value = ValueBehind(style, colour + kColour.size());
   if (value.starts_with(u'#')) stop.rgb = static_cast<std::uint32_t>(ReadHexColour(value));
-  const std::size_t opacity = style.find(u"stop-opacity");
+  const std::size_t opacity = style.find(kOpacity, colour == 0 ? kColour.size() : 0);
   if (opacity == style.npos) return;
-  stop.opacity = LeadingNumber(ValueBehind(style, opacity));
+  stop.opacity = LeadingNumber(ValueBehind(style, opacity + kOpacity.size()));
   if (stop.opacity < 1.0) frame.stopsPartlyTransparent = 1;
 }

@@ -75,6 +75,35 @@ bool IsSeparator(char16_t c) { return c == u' ' || c == u','; }
 // Whether a number in its plain form may end in front of this unit: whether the scanners would end it there as well.
 bool EndsPlainNumber(char16_t c) { return c == u'-' || !(IsNumberUnit(c) || IsSkippedSpace(c)); }
 
+}  // namespace
+
+// A pair in its plain form, two numbers with blanks or commas between them; the cursor moves behind it as
+// ScanCoordinatePair would go on. False for every other form.
+bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point) {
+  const char16_t* c = cursor;
+  while (c != end && *c == u' ') ++c;
+  if (!ScanPlainDouble(c, end, &point->x) || c == end || !(IsSeparator(*c) || *c == u'-')) return false;
+  while (c != end && IsSeparator(*c)) ++c;
+  if (!ScanPlainDouble(c, end, &point->y)) return false;
+  if (c != end) {
+    if (!EndsPlainNumber(*c)) return false;
+    if (IsSeparator(*c)) ++c;
+  }
+  cursor = c;
+  return true;
+}
+
+// The same for one number, as ScanNumber would go on.
+bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value) {
+  const char16_t* c = cursor;
+  while (c != end && *c == u' ') ++c;
+  if (!ScanPlainDouble(c, end, value) || (c != end && !EndsPlainNumber(*c))) return false;
+  cursor = c;
+  return true;
+}
+
+namespace {
+
 // The letters of a path's data, and how they become operator text.
 class PathWriter {
  public:
@@ -264,28 +293,6 @@ bool HasLineEnd(std::u16string_view text) {
 }
 
 }  // namespace
-
-bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point) {
-  const char16_t* c = cursor;
-  while (c != end && *c == u' ') ++c;
-  if (!ScanPlainDouble(c, end, &point->x) || c == end || !(IsSeparator(*c) || *c == u'-')) return false;
-  while (c != end && IsSeparator(*c)) ++c;
-  if (!ScanPlainDouble(c, end, &point->y)) return false;
-  if (c != end) {
-    if (!EndsPlainNumber(*c)) return false;
-    if (IsSeparator(*c)) ++c;
-  }
-  cursor = c;
-  return true;
-}
-
-bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value) {
-  const char16_t* c = cursor;
-  while (c != end && *c == u' ') ++c;
-  if (!ScanPlainDouble(c, end, value) || (c != end && !EndsPlainNumber(*c))) return false;
-  cursor = c;
-  return true;
-}
 
 std::size_t ScanCoordinatePair(ScanFrom from, std::u16string_view in, GrowingText& out) {
   out.Clear();

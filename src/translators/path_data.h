@@ -24,8 +24,7 @@ std::size_t ScanCoordinatePair(ScanFrom from, std::u16string_view in, GrowingTex
 // One number. A "-" or a second "." ends it.
 std::size_t ScanNumber(ScanFrom from, std::u16string_view in, GrowingText& out);
 
-// What the scanners would find in the form that nearly all coordinates have: numbers that ScanPlainDouble takes, and
-// between the two of a pair blanks or commas. The cursor goes on as behind the scanner. False, with the cursor where it
-// was, for every other form.
+// The same for the form that nearly all coordinates have, numbers that ScanPlainDouble takes. The cursor goes on as
+// behind the scanner. False, with the cursor where it was, for every other form.
 bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point);
 bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value);
