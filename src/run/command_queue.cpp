@@ -1,8 +1,10 @@
 #include "run/command_queue.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "run/host_memory.h"
 #include "run/import_run.h"
@@ -10,6 +12,17 @@
 namespace {
 
 constexpr std::size_t kLargestCapacity = std::numeric_limits<std::size_t>::max() / sizeof(ImportCommand*) / 2;
+
+// A page of entries.
+constexpr std::size_t kClearedAtOnce = 512;
+
+// Makes entries readable as far as `end`, or a little further. Half of a large table may never be used, and is then
+// never touched.
+void ClearUpTo(CommandQueue& queue, std::size_t end) {
+  end = std::min(queue.capacity, (end / kClearedAtOnce + 1) * kClearedAtOnce);
+  std::memset(queue.slots + queue.cleared, 0, (end - queue.cleared) * sizeof(ImportCommand*));
+  queue.cleared = end;
+}
 
 // Entries keep their order and `head` its value: what had wrapped round moves behind the old end as far as the new room
 // goes, and the rest to the start of the new table.
@@ -20,13 +33,12 @@ void Grow(CommandQueue& queue) {
     capacity *= 2;
   }
   auto** slots = static_cast<ImportCommand**>(AllocateHost(capacity * sizeof(ImportCommand*)));
-  std::memset(slots, 0, capacity * sizeof(ImportCommand*));
-  for (std::size_t i = queue.head; i < queue.head + queue.capacity; ++i) {
-    slots[i & (capacity - 1)] = queue.slots[i & (queue.capacity - 1)];
+  const CommandQueue old = std::exchange(queue, {slots, capacity, 0, queue.head, queue.count});
+  ClearUpTo(queue, old.head + old.capacity);
+  for (std::size_t i = old.head; i < old.head + old.capacity; ++i) {
+    slots[i & (capacity - 1)] = old.slots[i & (old.capacity - 1)];
   }
-  FreeHost(queue.slots);
-  queue.slots = slots;
-  queue.capacity = capacity;
+  FreeHost(old.slots);
 }
 
 // Also resets `head` when the last record goes.
@@ -39,7 +51,9 @@ void DropTail(CommandQueue& queue) {
 ImportCommand& NewRecord(CommandQueue& queue) {
   if (queue.capacity <= queue.count + 1) Grow(queue);
   queue.head &= queue.capacity - 1;
-  ImportCommand*& slot = queue.slots[(queue.head + queue.count) & (queue.capacity - 1)];
+  const std::size_t index = (queue.head + queue.count) & (queue.capacity - 1);
+  if (index >= queue.cleared) ClearUpTo(queue, index);
+  ImportCommand*& slot = queue.slots[index];
   if (!slot) slot = static_cast<ImportCommand*>(AllocateHost(sizeof(ImportCommand)));
   ++queue.count;
   return *slot;
@@ -110,7 +124,7 @@ void RollBackPath() {
 
 void DestroyQueue(CommandQueue& queue) {
   while (queue.count > 0) DropTail(queue);
-  for (std::size_t i = queue.capacity; i-- > 0;) {
+  for (std::size_t i = queue.cleared; i-- > 0;) {
     if (queue.slots[i]) FreeHost(queue.slots[i]);
   }
   FreeHost(queue.slots);

@@ -12,6 +12,7 @@
 struct CommandQueue {
   ImportCommand** slots = nullptr;  // `capacity` entries; null until a slot is first used
   std::size_t capacity = 0;         // a power of two, or 0
+  std::size_t cleared = 0;          // entries that can be read: the others are not written before their time comes
   std::size_t head = 0;             // the first record; may stand past `capacity` and is masked at each use
   std::size_t count = 0;
 };
