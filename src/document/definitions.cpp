@@ -124,6 +124,7 @@ void FreeDefinitions(DefinitionTable& table) {
   table.branches.clear();
   table.top = ~0;
   table.repeats.clear();
+  table.stopLists.clear();
 }
 
 // The references of all children stay with the tables and the document: the ones passed over are never given back.

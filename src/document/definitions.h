@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "filter_limits.h"
+#include "operators/graphics_state.h"
 
 class IXMLDOMNode;
 
@@ -27,14 +29,21 @@ struct IdBranch {
   std::int32_t next[2];  // by the bit: a branch, or ~place of a record
 };
 
+// The stops of a gradient, with an entry for each child, as they were read.
+struct StopList {
+  std::vector<GradientStop> entries;
+  std::int32_t stopCount = 0;  // of the children that are stops
+};
+
 // `count` records from the host allocator, of which the last is blank and takes the next definition.
 struct DefinitionTable {
   DefinitionRecord* records = nullptr;
   std::int32_t count = 1;  // never reset, not even by CloseFile
   // The tree that the lookups go by. Of records with one id, whatever its case, it holds the first.
   std::vector<IdBranch> branches;
-  std::int32_t top = ~0;                           // as `next` of a branch; record 0 is always there
-  std::unordered_set<const IXMLDOMNode*> repeats;  // nodes of the records that the tree does not hold
+  std::int32_t top = ~0;                                       // as `next` of a branch; record 0 is always there
+  std::unordered_set<const IXMLDOMNode*> repeats;              // nodes of the records that the tree does not hold
+  std::unordered_map<const IXMLDOMNode*, StopList> stopLists;  // in GradientDefs only: those read so far
 };
 
 struct DefinitionTables {

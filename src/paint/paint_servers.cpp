@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "document/node_access.h"
 #include "images/image_element.h"
@@ -85,6 +86,24 @@ void NewStopBlock(GraphicsState& frame, std::uint32_t room) {
   frame.stops = block;
 }
 
+// Gives the frame as many entries in place of its stops.
+void StartStops(GraphicsState& frame, std::int32_t count) {
+  if (count > 0) NewStopBlock(frame, static_cast<std::uint32_t>(count));
+  frame.stopCount = count;
+  run.definitionGuard.work += static_cast<std::uint32_t>(count);
+}
+
+// Copies a list that has been read before into the frame. Returns how many are stops.
+std::int32_t TakeStops(const StopList& list) {
+  GraphicsState& frame = CurrentFrame();
+  StartStops(frame, static_cast<std::int32_t>(list.entries.size()));
+  for (std::size_t i = 0; i < list.entries.size(); ++i) {
+    frame.stops->Stops()[i] = list.entries[i];
+    if (list.entries[i].opacity < 1.0) frame.stopsPartlyTransparent = 1;
+  }
+  return list.stopCount;
+}
+
 // The text behind the next ":" from `start` on, without its blanks.
 std::u16string_view ValueBehind(std::u16string_view text, std::size_t start) {
   const std::size_t colon = text.find(u':', start);
@@ -135,19 +154,21 @@ void TranslatePattern(IXMLDOMNode* node) {
 
 void TranslateGradientChildren(IXMLDOMNode* node) { TranslateChildren(node, Container::Gradient); }
 
-// Every child takes an entry, also one that is no stop and leaves it as it is.
+// Every child takes an entry, also one that is no stop and leaves it as it is. Each list is read once, since many
+// gradients may share it: reading it for each would be an eighth of an import of gradient fills.
 std::int32_t ReadGradientStops(std::u16string_view href) {
   const std::size_t hash = href.find(u'#');
   if (hash == href.npos) return 0;
   const DefinitionRecord* record = FindGradientDef(href.substr(hash + 1));
   if (!record) return 0;
+  auto& lists = run.definitions.GradientDefs.stopLists;
+  const auto known = lists.find(record->node);
+  if (known != lists.end()) return TakeStops(known->second);
   ChildNodeList children;
   CollectChildNodes(record->node, children);
   GraphicsState& frame = CurrentFrame();
-  if (children.length() > 0) NewStopBlock(frame, static_cast<std::uint32_t>(children.length()));
-  frame.stopCount = children.length();
-  run.definitionGuard.work += static_cast<std::uint32_t>(children.length());
-  std::int32_t stops = 0;
+  StartStops(frame, children.length());
+  StopList list;
   for (std::int32_t i = 0; i < children.length(); ++i) {
     IXMLDOMNode* child = children.At(i);
     if (GetNodeName(child) != u"stop") continue;
@@ -155,9 +176,10 @@ std::int32_t ReadGradientStops(std::u16string_view href) {
     if (!style.empty()) ParseStopStyle(style, i);
     const std::u16string_view offset = GetNodeAttribute(child, u"offset");
     if (!offset.empty()) frame.stops->Stops()[i].offset = LeadingNumber(offset);
-    ++stops;
+    ++list.stopCount;
   }
-  return stops;
+  if (children.length() > 0) list.entries.assign(frame.stops->Stops(), frame.stops->Stops() + children.length());
+  return lists.emplace(record->node, std::move(list)).first->second.stopCount;
 }
 
 void ParseStopStyle(std::u16string_view style, std::int32_t index) {

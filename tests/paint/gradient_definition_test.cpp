@@ -337,6 +337,32 @@ TEST_F(PaintServers, EveryChildOfTheLinkedGradientHasAnEntryAndStopsAloneAreCoun
   EXPECT_EQ(frame.stopsPartlyTransparent, 1u);
 }
 
+TEST_F(PaintServers, AListThatIsReadAgainLeavesWhatItLeftTheFirstTime) {
+  Open(
+      "<linearGradient id=\"g\"><stop offset=\"0.25\" style=\"stop-color:#102030;stop-opacity:0.5\"/><ellipse/>"
+      "</linearGradient><linearGradient id=\"h\"><stop offset=\"1\"/></linearGradient>");
+  for (int reading = 0; reading < 2; ++reading) {
+    SCOPED_TRACE(reading);
+    PushGraphicsState();
+    EXPECT_EQ(ReadGradientStops(u"#h"), 1);
+    EXPECT_EQ(CurrentFrame().stopCount, 1);
+    EXPECT_EQ(CurrentFrame().stopsPartlyTransparent, 0u);
+    const std::uint64_t work = run.definitionGuard.work;
+    EXPECT_EQ(ReadGradientStops(u"#g"), 1);
+    EXPECT_EQ(run.definitionGuard.work - work, 2u);
+    const GraphicsState& frame = CurrentFrame();
+    ASSERT_EQ(frame.stopCount, 2);
+    EXPECT_EQ(frame.stopsPartlyTransparent, 1u);
+    EXPECT_EQ(frame.stops->Stops()[0].rgb, 0x302010u);
+    EXPECT_EQ(frame.stops->Stops()[0].offset, 0.25);
+    EXPECT_EQ(frame.stops->Stops()[0].opacity, 0.5);
+    EXPECT_EQ(frame.stops->Stops()[1].rgb, 0u);
+    EXPECT_EQ(frame.stops->Stops()[1].opacity, 1.0);
+    frame.stops->Stops()[1].rgb = 7;  // the frame's own
+    PopGraphicsState();
+  }
+}
+
 TEST_F(PaintServers, ACommentAmongTheStopsIsAnEntryOfTheFill) {
   EXPECT_EQ(FillRecords("<linearGradient id=\"stops\"><stop offset=\"0.5\" style=\"stop-color:#ff0000\"/><!-- c -->"
                         "<stop offset=\"1\" style=\"stop-color:#0000ff\"/></linearGradient>"
