@@ -11,30 +11,32 @@ using headless::host;
 using headless::HostParagraph;
 using headless::JournalCall;
 using headless::journaling;
+using headless::OpenRecords;
 
 namespace {
 
 constexpr int kDone = 0;
 constexpr int kFailed = -1;
 
-void WireRecords(HostParagraph& paragraph) {
-  paragraph.status.paragraphInfo = &paragraph.info;
-  paragraph.status.lines = &paragraph.lines;
-  paragraph.status.character = &paragraph.character;
-  paragraph.status.wrapA = &paragraph.wrap;
-  paragraph.status.textLine = &paragraph.textLine;
+void WireRecords(OpenRecords& records) {
+  records.status.paragraphInfo = &records.info;
+  records.status.lines = &records.lines;
+  records.status.character = &records.character;
+  records.status.wrapA = &records.wrap;
+  records.status.textLine = &records.textLine;
 }
 
 // As if the records had belonged to another paragraph before.
 void FillRecords(HostParagraph& paragraph) {
   constexpr int kUsed = 0xA5;
-  std::memset(&paragraph.status, kUsed, sizeof paragraph.status);
-  std::memset(&paragraph.info, kUsed, sizeof paragraph.info);
-  std::memset(&paragraph.lines, kUsed, sizeof paragraph.lines);
-  std::memset(&paragraph.character, kUsed, sizeof paragraph.character);
-  std::memset(&paragraph.textLine, kUsed, sizeof paragraph.textLine);
+  OpenRecords& records = *paragraph.records;
+  std::memset(&records.status, kUsed, sizeof records.status);
+  std::memset(&records.info, kUsed, sizeof records.info);
+  std::memset(&records.lines, kUsed, sizeof records.lines);
+  std::memset(&records.character, kUsed, sizeof records.character);
+  std::memset(&records.textLine, kUsed, sizeof records.textLine);
   std::memset(&paragraph.composed, kUsed, sizeof paragraph.composed);
-  paragraph.character.font = nullptr;
+  records.character.font = nullptr;
 }
 
 // FNV-1a, so that a name has the same number in every process; never 0.
@@ -95,38 +97,41 @@ int OpenParagraph(int kind, ParagraphHandle* handle, const ParagraphPosition* po
   if (result == kFailed) return result;
 
   auto paragraph = std::make_unique<HostParagraph>();
+  paragraph->records = std::make_unique<OpenRecords>();
+  OpenRecords& records = *paragraph->records;
   paragraph->composed.placement = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
   if (host.failures.usedRecords) FillRecords(*paragraph);
-  WireRecords(*paragraph);
-  paragraph->tag = ++host.lastParagraphTag;
-  paragraph->position = *position;
-  paragraph->lines.listFlag = host.failures.listFlag ? 1 : 0;
+  WireRecords(records);
+  paragraph->state.tag = ++host.lastParagraphTag;
+  paragraph->state.position = *position;
+  records.lines.listFlag = host.failures.listFlag ? 1 : 0;
 
-  handle->tag = paragraph->tag;
+  handle->tag = paragraph->state.tag;
   handle->paragraph = &paragraph->composed;
-  handle->status = &paragraph->status;
+  handle->status = &records.status;
   host.openParagraph = paragraph.get();
-  const ComposedParagraph* address = &paragraph->composed;
-  host.paragraphs.emplace(address, std::move(paragraph));
+  host.paragraphs.Add(std::move(paragraph));
   ++headless::liveCounts.paragraphs;
   return result;
 }
 
 ParagraphStatus* GetCurrentParagraphStatusAddress() {
   if (journaling) JournalCall("GetCurrentParagraphStatusAddress");
-  return host.openParagraph == nullptr ? nullptr : &host.openParagraph->status;
+  return host.openParagraph == nullptr ? nullptr : &host.openParagraph->records->status;
 }
 
 int CloseParagraph(int finish, ParagraphHandle* handle) {
-  const auto known = host.paragraphs.find(handle->paragraph);
-  const bool fails = known == host.paragraphs.end() || (finish != 0 && host.failures.closeParagraph);
+  HostParagraph* known = host.paragraphs.Find(handle->paragraph);
+  const bool fails = known == nullptr || (finish != 0 && host.failures.closeParagraph);
   const int result = fails ? kFailed : kDone;
   if (journaling) JournalCall("CloseParagraph", finish).Result(result);
   if (fails) return result;
 
-  if (host.openParagraph == known->second.get()) host.openParagraph = nullptr;
-  if (finish == 0) {
-    host.paragraphs.erase(known);
+  if (host.openParagraph == known) host.openParagraph = nullptr;
+  if (finish != 0) {
+    known->Close();
+  } else {
+    host.paragraphs.Free(handle->paragraph);
     --headless::liveCounts.paragraphs;
     handle->paragraph = nullptr;
     handle->status = nullptr;
@@ -140,8 +145,8 @@ void SetTextLineJustifyMode(paragraphStruct*, list_s*, int mode) {
 
 void SetTextLineJustification(paragraphStruct* paragraph, list_s*, int justification) {
   if (journaling) JournalCall("SetTextLineJustification", justification);
-  if (host.openParagraph != nullptr && paragraph == &host.openParagraph->info) {
-    host.openParagraph->justification = justification;
+  if (host.openParagraph != nullptr && paragraph == &host.openParagraph->records->info) {
+    host.openParagraph->state.justification = justification;
   }
 }
 
@@ -163,10 +168,10 @@ void edPasteString(const char16_t* text, int length, int mode, void*, bool flag)
   const std::u16string_view pasted(text, static_cast<std::size_t>(std::max(length, 0)));
   if (journaling) JournalCall("edPasteString", pasted, length, mode, flag);
   if (host.openParagraph == nullptr) return;
-  const CharacterState& character = host.openParagraph->character;
-  TextRunView run{std::u16string(pasted), std::nullopt, character.height};
-  if (character.font != nullptr) run.font = FontName(*character.font);
-  host.openParagraph->runs.push_back(std::move(run));
+  const CharacterState& character = host.openParagraph->records->character;
+  std::optional<std::u16string_view> font;
+  if (character.font != nullptr) font = FontName(*character.font);
+  host.openParagraph->runs.push_back({std::u16string(pasted), font, character.height});
 }
 
 void WrapLine(TextLine*, void*, std::uint32_t first, std::uint32_t last, const char* breakCharacters) {
@@ -195,24 +200,7 @@ FontRecord* ChooseReplacementFont(CFontReplacement*, const char16_t* name, int s
 }
 
 std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph) {
-  const auto known = host.paragraphs.find(paragraph);
-  if (known == host.paragraphs.end()) return std::nullopt;
-  const HostParagraph& own = *known->second;
-  return ParagraphView{own.tag,
-                       own.position,
-                       own.justification,
-                       own.textLine.originX,
-                       own.textLine.originY,
-                       own.character.height,
-                       own.character.charScale,
-                       own.character.fontCode,
-                       own.character.replacedFontId,
-                       own.textLine.compression,
-                       own.textLine.lineFlags,
-                       own.textLine.lineMode,
-                       own.lines.listMeasure,
-                       own.status.statusLimit,
-                       own.info.paragraphOption,
-                       own.composed.placement,
-                       own.runs};
+  const HostParagraph* known = host.paragraphs.Find(paragraph);
+  if (known == nullptr) return std::nullopt;
+  return ParagraphView{known->State(), known->composed.placement, known->runs};
 }

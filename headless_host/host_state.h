@@ -2,9 +2,7 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -39,9 +37,8 @@ struct HostState {
   std::vector<std::u16string> generatedFolders;
 
   std::uint32_t lastParagraphTag = 0;
-  // Owns every paragraph that was opened and neither abandoned nor released.
-  std::unordered_map<const ComposedParagraph*, std::unique_ptr<HostParagraph>> paragraphs;
-  HostParagraph* openParagraph = nullptr;
+  ParagraphTable paragraphs;
+  HostParagraph* openParagraph = nullptr;  // has its records
 };
 
 extern HostState host;

@@ -93,11 +93,11 @@ BitmapView ViewBitmap(const CQXBitmap& bitmap);
 
 struct TextRunView {
   std::u16string text;
-  std::optional<std::u16string> font;  // the name under which it was found
-  double height;                       // thousandths of an inch
+  std::optional<std::u16string_view> font;  // the name under which it was found
+  double height;                            // thousandths of an inch
 };
 
-struct ParagraphView {
+struct ParagraphState {
   std::uint32_t tag;
   ParagraphPosition position;
   std::optional<int> justification;
@@ -109,6 +109,9 @@ struct ParagraphView {
   std::uint32_t lineMode;
   double listMeasure;
   std::int32_t statusLimit, paragraphOption;
+};
+
+struct ParagraphView : ParagraphState {
   TM placement;
   ArrayView<TextRunView> runs;
 };

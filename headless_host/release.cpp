@@ -24,10 +24,10 @@ void FreeBlock(void* block) {
 }
 
 void ReleaseParagraph(const ComposedParagraph* paragraph) {
-  const auto known = host.paragraphs.find(paragraph);
-  if (known == host.paragraphs.end()) return;
-  if (host.openParagraph == known->second.get()) host.openParagraph = nullptr;
-  host.paragraphs.erase(known);
+  const headless::HostParagraph* known = host.paragraphs.Find(paragraph);
+  if (known == nullptr) return;
+  if (host.openParagraph == known) host.openParagraph = nullptr;
+  host.paragraphs.Free(paragraph);
   --headless::liveCounts.paragraphs;
 }
 
