@@ -68,7 +68,7 @@ FontRecord* Replacement(std::u16string_view name) {
   return nullptr;
 }
 
-bool IsFound(int kind, const std::u16string& name) {
+bool IsFound(int kind, std::u16string_view name) {
   constexpr int kFromList = 2;
   switch (host.fontMode) {
     case HostFontMode::kAny:
@@ -153,7 +153,7 @@ void SetTextLineJustification(paragraphStruct* paragraph, list_s*, int justifica
 FontRecord* AddFont(std::uint16_t code, int kind, const char16_t* name, int reserved, int force) {
   if (journaling) JournalCall("AddFont", static_cast<int>(code), kind, name, reserved, force);
   if (host.failures.addFont) return nullptr;
-  const std::u16string asked = name;
+  const std::u16string_view asked = name;
   if (IsFound(kind, asked)) return Record(asked);
   return force != 0 ? Replacement(asked) : nullptr;
 }

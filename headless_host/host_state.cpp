@@ -61,11 +61,16 @@ void RegisterHostWindow(std::u16string_view className, std::u16string_view title
 }
 
 void SetHostSetting(std::u16string_view section, std::u16string_view key, int value) {
-  host.settings[{std::u16string(section), std::u16string(key)}] = value;
+  const auto stored = host.settings.find(headless::TextPairView(section, key));
+  if (stored != host.settings.end()) {
+    stored->second = value;
+  } else {
+    host.settings.emplace(headless::TextPair(section, key), value);
+  }
 }
 
 std::optional<int> HostSetting(std::u16string_view section, std::u16string_view key) {
-  const auto stored = host.settings.find({std::u16string(section), std::u16string(key)});
+  const auto stored = host.settings.find(headless::TextPairView(section, key));
   if (stored == host.settings.end()) return std::nullopt;
   return stored->second;
 }

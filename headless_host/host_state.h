@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,13 +14,25 @@
 namespace headless {
 
 using TextPair = std::pair<std::u16string, std::u16string>;
+using TextPairView = std::pair<std::u16string_view, std::u16string_view>;
+
+// So that a pair of views is looked up without a copy of its texts.
+struct TextPairLess {
+  using is_transparent = void;
+  template <class One, class Other>
+  bool operator()(const One& one, const Other& other) const {
+    const TextPairView a(one), b(other);
+    const int order = a.first.compare(b.first);
+    return order != 0 ? order < 0 : a.second < b.second;
+  }
+};
 
 struct HostState {
-  std::map<TextPair, int> settings;  // by section and key
+  std::map<TextPair, int, TextPairLess> settings;  // by section and key
   int units = 300;
   std::u16string baseDir;
 
-  std::map<TextPair, void*> windows;  // by class and title
+  std::map<TextPair, void*, TextPairLess> windows;  // by class and title
   HostAllocator* registeredAllocator = nullptr;
 
   HostFontMode fontMode = HostFontMode::kAny;

@@ -316,7 +316,7 @@ bool SelectFont() {
   FontMemo& memo = run.text.fontMemo;
   CharacterState& character = Character();
   FontRecord* font;
-  if (memo.searched && memo.lastAskedName == run.text.FontName) {
+  if (memo.searched && memo.lastAskedName == std::u16string_view(run.text.FontName)) {
     font = memo.lastFont;
     if (font->fontClass != kFixedFontClass) character.fontCode = font->fontCode;
     character.font = font;

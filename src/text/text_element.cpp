@@ -1,5 +1,7 @@
 #include "text/text_element.h"
 
+#include <algorithm>
+
 #include "document/definitions.h"
 #include "document/node_access.h"
 #include "filter_limits.h"
@@ -22,9 +24,13 @@ enum Anchor { kStart = 1, kMiddle = 2, kEnd = 3 };
 void TakeCharacters(IXMLDOMNode* node) {
   std::u16string_view characters;
   node->get_text(&characters);
-  std::u16string text = WideFromUtf8(NarrowFromWide(characters));
+  std::u16string& text = run.text.TextBuffer;
+  if (std::all_of(characters.begin(), characters.end(), [](char16_t unit) { return unit < 0x80; })) {
+    text = characters;  // ASCII is the same in both
+  } else {
+    text = WideFromUtf8(NarrowFromWide(characters));
+  }
   if (text.size() > kMaxTextUnits) text.resize(kMaxTextUnits);
-  run.text.TextBuffer = std::move(text);
 }
 
 void TranslateChildren(IXMLDOMNode* node) {
@@ -71,6 +77,12 @@ void ApplyTextAttribute(IXMLDOMNode* node, std::u16string_view name, bool forceW
 // 0.0, with the unit left alone, when the attribute is empty.
 double ReadLength(std::u16string_view value, UnitCode* unit) {
   if (value.empty()) return 0.0;
+  const char16_t* rest = value.data();
+  double plain;
+  if (ScanPlainDouble(rest, value.data() + value.size(), &plain) && rest == value.data() + value.size()) {
+    *unit = kNoUnit;
+    return plain;
+  }
   GrowingText number;
   ScanLength(value, number, unit);
   return LeadingNumber(number);
