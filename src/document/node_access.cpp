@@ -31,7 +31,7 @@ class Held {
 };
 
 struct UnitName {
-  std::u16string_view text;
+  char16_t letters[3];
   bool anyCase;
   UnitCode code;
 };
@@ -40,6 +40,15 @@ constexpr UnitName kUnits[] = {
     {u"mm", true, kMillimetre}, {u"in", true, kInch}, {u"cm", false, kCentimetre}, {u"pt", false, kPointUnit},
     {u"px", false, kPixel},     {u"em", false, kEm},  {u"ex", false, kEx},         {u"pc", false, kPica},
 };
+
+UnitCode UnitOf(char16_t first, char16_t second) {
+  for (const UnitName& name : kUnits) {
+    const bool same = name.anyCase ? LowerUnit(first) == name.letters[0] && LowerUnit(second) == name.letters[1]
+                                   : first == name.letters[0] && second == name.letters[1];
+    if (same) return name.code;
+  }
+  return kNoUnit;
+}
 
 }  // namespace
 
@@ -100,6 +109,7 @@ std::size_t ScanLength(std::u16string_view text, GrowingText& number, UnitCode* 
   number.Clear();
   while (true) {
     for (; at(i) == u' '; ++i) ++consumed;
+    const std::size_t first = i;
     for (;; ++i) {
       const char16_t c = at(i);
       const bool exponent = c == u'E' || c == u'e';
@@ -107,22 +117,15 @@ std::size_t ScanLength(std::u16string_view text, GrowingText& number, UnitCode* 
       if (!exponent && (c < u'*' || c > u'9' || c == u',')) break;
       if (c == u'.' && seenPoint) break;
       if (c == u'-' && seenCharacter && !seenExponent) break;
-      number.Push(c);
-      ++consumed;
       seenCharacter = true;
       if (c == u'.') seenPoint = true;
     }
+    number.Append(text.substr(first, i - first));
+    consumed += i - first;
     if (at(i) != u'\t' && at(i) != u'\n' && at(i) != u'\r') break;
     ++i;
   }
   while (at(i) == u' ') ++i;
-  *unit = kNoUnit;
-  for (const UnitName& name : kUnits) {
-    const std::u16string_view letters = text.substr(i < text.size() ? i : text.size(), name.text.size());
-    if (name.anyCase ? EqualsAnyCase(letters, name.text) : letters == name.text) {
-      *unit = name.code;
-      break;
-    }
-  }
+  *unit = UnitOf(at(i), at(i + 1));
   return consumed;
 }
