@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "headless_host/text.h"
 #include "host/composer.h"
 
 namespace headless {
@@ -21,7 +22,7 @@ class FontTable {
   FontRecord* Record(std::u16string_view name);
 
  private:
-  std::map<std::u16string, HostFont, std::less<>> fonts_;
+  std::map<std::u16string, HostFont, TextLess> fonts_;
 };
 
 // Fontconfig's answers. Fontconfig is not touched before the first of these calls.

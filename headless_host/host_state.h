@@ -10,20 +10,19 @@
 #include "headless_host/fonts.h"
 #include "headless_host/headless_host.h"
 #include "headless_host/paragraph.h"
+#include "headless_host/text.h"
 
 namespace headless {
 
 using TextPair = std::pair<std::u16string, std::u16string>;
 using TextPairView = std::pair<std::u16string_view, std::u16string_view>;
 
-// So that a pair of views is looked up without a copy of its texts.
 struct TextPairLess {
   using is_transparent = void;
   template <class One, class Other>
   bool operator()(const One& one, const Other& other) const {
-    const TextPairView a(one), b(other);
-    const int order = a.first.compare(b.first);
-    return order != 0 ? order < 0 : a.second < b.second;
+    const int order = CompareTexts(one.first, other.first);
+    return order != 0 ? order < 0 : CompareTexts(one.second, other.second) < 0;
   }
 };
 
