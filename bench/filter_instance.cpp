@@ -33,7 +33,7 @@ std::uint64_t MemoryOf(const ImportCommand& command) {
              malloc_usable_size(static_cast<POLYGON*>(command.data)->sides);
     case KEY_PARA:
       return kRecord + DefaultHostAllocator()->BlockSize(command.data) +
-             malloc_usable_size(static_cast<ParagraphRecord*>(command.data)->paragraph);
+             DefaultHostAllocator()->BlockSize(static_cast<ParagraphRecord*>(command.data)->paragraph);
     case KEY_NFIL:
     case KEY_NOTL:
     case KEY_LYOT:

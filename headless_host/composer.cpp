@@ -97,7 +97,6 @@ int OpenParagraph(int kind, ParagraphHandle* handle, const ParagraphPosition* po
   if (result == kFailed) return result;
 
   auto paragraph = std::make_unique<HostParagraph>();
-  paragraph->records = std::make_unique<OpenRecords>();
   OpenRecords& records = *paragraph->records;
   paragraph->composed.placement = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
   if (host.failures.usedRecords) FillRecords(*paragraph);
@@ -167,11 +166,7 @@ std::uint32_t GetReplacedFontID(const char16_t* name, int style, int weight, Fon
 void edPasteString(const char16_t* text, int length, int mode, void*, bool flag) {
   const std::u16string_view pasted(text, static_cast<std::size_t>(std::max(length, 0)));
   if (journaling) JournalCall("edPasteString", pasted, length, mode, flag);
-  if (host.openParagraph == nullptr) return;
-  const CharacterState& character = host.openParagraph->records->character;
-  std::optional<std::u16string_view> font;
-  if (character.font != nullptr) font = FontName(*character.font);
-  host.openParagraph->runs.push_back({std::u16string(pasted), font, character.height});
+  if (host.openParagraph != nullptr) host.openParagraph->Paste(pasted);
 }
 
 void WrapLine(TextLine*, void*, std::uint32_t first, std::uint32_t last, const char* breakCharacters) {
@@ -202,5 +197,5 @@ FontRecord* ChooseReplacementFont(CFontReplacement*, const char16_t* name, int s
 std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph) {
   const HostParagraph* known = host.paragraphs.Find(paragraph);
   if (known == nullptr) return std::nullopt;
-  return ParagraphView{known->State(), known->composed.placement, known->runs};
+  return known->View();
 }

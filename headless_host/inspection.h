@@ -93,8 +93,8 @@ BitmapView ViewBitmap(const CQXBitmap& bitmap);
 
 struct TextRunView {
   std::u16string text;
-  std::optional<std::u16string_view> font;  // the name under which it was found
-  double height;                            // thousandths of an inch
+  std::optional<std::u16string> font;  // the name under which it was found
+  double height;                       // thousandths of an inch
 };
 
 struct ParagraphState {
@@ -113,7 +113,7 @@ struct ParagraphState {
 
 struct ParagraphView : ParagraphState {
   TM placement;
-  ArrayView<TextRunView> runs;
+  std::vector<TextRunView> runs;
 };
 // Nothing when the composer does not know the paragraph, or no longer.
 std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph);

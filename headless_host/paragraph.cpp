@@ -1,15 +1,55 @@
 #include "headless_host/paragraph.h"
 
 #include <cstdint>
+#include <new>
 #include <utility>
+
+#include "headless_host/slab_pool.h"
 
 namespace headless {
 namespace {
 
-constexpr std::size_t kSpacing = 128;
+constexpr std::size_t kSpacing = 128;  // less than between two paragraphs
+constexpr std::size_t kRegion = 32;    // slots
 constexpr std::size_t kFewestSlots = 16;
 
 }  // namespace
+
+HostParagraph::~HostParagraph() {
+  for (PastedRun* run = firstRun_; run != nullptr;) slabPool.Give(std::exchange(run, run->next));
+}
+
+void* HostParagraph::operator new(std::size_t size) {
+  void* block = slabPool.Take(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+void HostParagraph::operator delete(void* block) { slabPool.Give(block); }
+
+void HostParagraph::Paste(std::u16string_view text) {
+  const CharacterState& character = records->character;
+  void* block = slabPool.Take(sizeof(PastedRun) + text.size() * sizeof(char16_t));
+  if (block == nullptr) throw std::bad_alloc();
+  auto* run = new (block) PastedRun{nullptr, character.font, character.height, text.size()};
+  text.copy(run->Units(), text.size());
+  (firstRun_ == nullptr ? firstRun_ : lastRun_->next) = run;
+  lastRun_ = run;
+}
+
+void HostParagraph::Close() {
+  state = State();
+  records.reset();
+}
+
+ParagraphView HostParagraph::View() const {
+  ParagraphView view{State(), composed.placement, {}};
+  for (PastedRun* run = firstRun_; run != nullptr; run = run->next) {
+    view.runs.push_back({std::u16string(run->Units(), run->length), std::nullopt, run->height});
+    if (run->font != nullptr) view.runs.back().font = FontName(*run->font);
+  }
+  return view;
+}
 
 ParagraphState HostParagraph::State() const {
   ParagraphState now = state;
@@ -27,11 +67,6 @@ ParagraphState HostParagraph::State() const {
   now.statusLimit = records->status.statusLimit;
   now.paragraphOption = records->info.paragraphOption;
   return now;
-}
-
-void HostParagraph::Close() {
-  state = State();
-  records.reset();
 }
 
 void ParagraphTable::Add(std::unique_ptr<HostParagraph> paragraph) {
@@ -64,11 +99,13 @@ void ParagraphTable::Free(const ComposedParagraph* address) {
   }
 }
 
-// Neighbours in memory are neighbours in the table, since paragraphs are closed and released in the order in which they
-// were opened. None is as small as the divisor.
+// Neighbours in a page of memory are neighbours in the table, since paragraphs are closed and released in the order in
+// which they were opened; the pages are scattered.
 std::size_t ParagraphTable::Home(const ComposedParagraph* address) const {
   static_assert(sizeof(HostParagraph) > kSpacing);
-  return reinterpret_cast<std::uintptr_t>(address) / kSpacing & (slots_.size() - 1);
+  const std::size_t place = reinterpret_cast<std::uintptr_t>(address) / kSpacing;
+  const std::size_t region = (place / kRegion * std::uint64_t{0x9E3779B97F4A7C15}) >> 32;
+  return (region * kRegion + place % kRegion) & (slots_.size() - 1);
 }
 
 std::size_t ParagraphTable::Slot(const ComposedParagraph* address) const {

@@ -22,17 +22,41 @@ struct OpenRecords {
   unsigned char wrap = 0;  // has an address and nothing else
 };
 
-struct HostParagraph {
-  alignas(8) ComposedParagraph composed = {};
-  std::unique_ptr<OpenRecords> records;  // until the paragraph is closed
-  // Tag, position and justification from the start, what the records held from the close on.
-  ParagraphState state = {};
-  std::vector<TextRunView> runs;
+// What was pasted at once, in a block of the slab pool with its characters behind it.
+struct PastedRun {
+  PastedRun* next;
+  const FontRecord* font;  // null for none
+  double height;
+  std::size_t length;
 
-  // As it is now.
-  ParagraphState State() const;
+  char16_t* Units() { return reinterpret_cast<char16_t*>(this + 1); }
+};
+
+// Lies in the slab pool, since a drawing may have many.
+struct HostParagraph {
+  HostParagraph() = default;
+  ~HostParagraph();
+  HostParagraph(const HostParagraph&) = delete;
+  HostParagraph& operator=(const HostParagraph&) = delete;
+  static void* operator new(std::size_t size);
+  static void operator delete(void* block);
+
+  // Pastes into the open paragraph, in the font and height of its records.
+  void Paste(std::u16string_view text);
   // Takes over what the records hold and frees them.
   void Close();
+  ParagraphView View() const;
+
+  alignas(8) ComposedParagraph composed = {};
+  std::unique_ptr<OpenRecords> records = std::make_unique<OpenRecords>();  // until the paragraph is closed
+  // Tag, position and justification from the start, what the records held from the close on.
+  ParagraphState state = {};
+
+ private:
+  ParagraphState State() const;
+
+  PastedRun* firstRun_ = nullptr;
+  PastedRun* lastRun_ = nullptr;
 };
 
 // Owns every paragraph that was opened and neither abandoned nor released. An address may be that of no paragraph, or

@@ -1,6 +1,8 @@
 #include "host/composer.h"
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "headless_host/inspection.h"
 #include "tests/headless_host/host_fixture.h"
@@ -119,6 +121,62 @@ TEST_F(HostComposer, EveryPasteIsARunInTheFontAndHeightThenInForce) {
   EXPECT_EQ(runs[2].font, u"Sans");
   EXPECT_EQ(runs[2].height, 20.0);
   EXPECT_EQ(runs[3].text, u"");
+}
+
+TEST_F(HostComposer, AClosedParagraphKeepsItsText) {
+  Open();
+  const std::u16string longText(999, u'x');
+  edPasteString(longText.c_str(), 999, 2, nullptr, false);
+  GetCurrentParagraphStatusAddress()->character->font = Find(u"Serif");
+  edPasteString(u"end", 3, 2, nullptr, false);
+  CloseParagraph(1, &handle);
+  const auto runs = ViewParagraph(handle.paragraph)->runs;
+  ASSERT_EQ(runs.size(), 2u);
+  EXPECT_EQ(runs[0].text, longText);
+  EXPECT_EQ(runs[0].font, std::nullopt);
+  EXPECT_EQ(runs[1].text, u"end");
+  EXPECT_EQ(runs[1].font, u"Serif");
+}
+
+TEST_F(HostComposer, AParagraphThatStaysOpenKeepsItsRecordsBesideAnother) {
+  Open();
+  const ParagraphHandle first = handle;
+  GetCurrentParagraphStatusAddress()->character->charScale = 700;
+  Open();
+  GetCurrentParagraphStatusAddress()->character->charScale = 800;
+  CloseParagraph(1, &handle);
+  EXPECT_EQ(ViewParagraph(first.paragraph)->charScale, 700);
+  first.status->character->charScale = 900;
+  ParagraphHandle closing = first;
+  ASSERT_GE(CloseParagraph(1, &closing), 0);
+  EXPECT_EQ(ViewParagraph(first.paragraph)->charScale, 900);
+  EXPECT_EQ(ViewParagraph(handle.paragraph)->charScale, 800);
+}
+
+TEST_F(HostComposer, EachOfManyParagraphsIsFoundUntilItGoes) {
+  constexpr std::size_t kCount = 1000, kStep = 387;  // without a common divisor, so that the steps reach all
+  std::vector<ParagraphHandle> handles;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    Open();
+    CloseParagraph(1, &handle);
+    handles.push_back(handle);
+  }
+  std::vector<bool> there(kCount, true);
+  for (std::size_t gone = 0; gone < kCount; ++gone) {
+    const std::size_t i = gone * kStep % kCount;
+    const ComposedParagraph* address = handles[i].paragraph;
+    ASSERT_GE(CloseParagraph(0, &handles[i]), 0);
+    there[i] = false;
+    EXPECT_FALSE(ViewParagraph(address));
+    if (gone % 50 != 0) continue;
+    for (std::size_t other = 0; other < kCount; ++other) {
+      if (!there[other]) continue;
+      const auto view = ViewParagraph(handles[other].paragraph);
+      ASSERT_TRUE(view) << other;
+      EXPECT_EQ(view->tag, other + 1);
+    }
+  }
+  EXPECT_EQ(LiveCounts().paragraphs, 0u);
 }
 
 TEST_F(HostComposer, TextWithoutAnOpenParagraphGoesNowhere) {
