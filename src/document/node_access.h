@@ -17,6 +17,11 @@ std::u16string_view GetNodeName(IXMLDOMNode* node);
 
 // The text of the attribute with exactly this name, prefix included; empty if there is none or no node.
 std::u16string_view GetNodeAttribute(IXMLDOMNode* node, std::u16string_view name);
+// A literal, the length of which a view would find out at every call.
+template <std::size_t Size>
+std::u16string_view GetNodeAttribute(IXMLDOMNode* node, const char16_t (&name)[Size]) {
+  return GetNodeAttribute(node, std::u16string_view(name, Size - 1));
+}
 
 // The children of a node, each with one reference, given back at the end. `length` is what the document said and may be
 // more than there are nodes.

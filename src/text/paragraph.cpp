@@ -12,6 +12,8 @@
 #include "run/import_run.h"
 #include "run/number_text.h"
 
+using namespace std::string_view_literals;
+
 namespace {
 
 constexpr std::int32_t kMeasure = 1300;
@@ -110,6 +112,10 @@ class RunBuffer {
   RunBuffer& operator=(const RunBuffer&) = delete;
 
   void Push(char16_t unit) { units_[count_++] = unit; }
+  void Append(std::u16string_view text) {
+    text.copy(units_ + count_, text.size());
+    count_ += static_cast<int>(text.size());
+  }
   int count() const { return count_; }
   void Paste() {
     units_[count_] = 0;
@@ -135,6 +141,7 @@ class RunWriter {
   std::u16string_view Rest() const { return text_.substr(i_); }
 
  private:
+  static bool IsSpecial(char16_t c) { return c == u'\\' || c == u'%' || c == u'{' || c == u'}'; }
   char16_t At(std::size_t i) const { return i < text_.size() ? text_[i] : u'\0'; }
   void Copy(char16_t unit) {
     if (unit != 0) out_.Push(unit);
@@ -158,7 +165,11 @@ class RunWriter {
 };
 
 void RunWriter::Walk() {
-  while (i_ < text_.size() && text_[i_] != u'}') {
+  while (true) {
+    const std::size_t first = i_;
+    while (i_ < text_.size() && !IsSpecial(text_[i_])) ++i_;
+    out_.Append(text_.substr(first, i_ - first));
+    if (i_ == text_.size() || text_[i_] == u'}') return;
     const char16_t c = text_[i_];
     if (c == u'\\') {
       Backslash();
@@ -355,6 +366,6 @@ void PasteTextRuns(std::u16string_view text, ParagraphStatus* status) {
   WrapLine(status->textLine, status->wrapA, range, range, " -");
   // A paragraph end behind the brace lowers the line; so does a second one.
   std::u16string_view rest = writer.Rest();
-  if (rest.starts_with(u"}\\P")) run.text.TextY -= run.text.lineSpacing;
-  if (rest.starts_with(u"}\\P\\P")) run.text.TextY -= run.text.lineSpacing;
+  if (rest.starts_with(u"}\\P"sv)) run.text.TextY -= run.text.lineSpacing;
+  if (rest.starts_with(u"}\\P\\P"sv)) run.text.TextY -= run.text.lineSpacing;
 }

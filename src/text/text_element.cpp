@@ -15,6 +15,9 @@
 #include "translators/style.h"
 #include "translators/transform.h"
 
+// A view of a plain literal would find out its length at run time.
+using namespace std::string_view_literals;
+
 namespace {
 
 enum Anchor { kStart = 1, kMiddle = 2, kEnd = 3 };
@@ -39,17 +42,17 @@ void TranslateChildren(IXMLDOMNode* node) {
   for (std::int32_t i = 0; i < children.length(); ++i) {
     IXMLDOMNode* child = children.At(i);
     const std::u16string_view name = GetNodeName(child);
-    if (name == u"rect") {
+    if (name == u"rect"sv) {
       TranslateRect(child);
-    } else if (name == u"ellipse") {
+    } else if (name == u"ellipse"sv) {
       TranslateEllipse(child);
-    } else if (name == u"text") {
+    } else if (name == u"text"sv) {
       TranslateText(child);
-    } else if (name == u"tspan") {
+    } else if (name == u"tspan"sv) {
       TranslateTextSpan(child);
-    } else if (name == u"line") {
+    } else if (name == u"line"sv) {
       TranslateLine(child);
-    } else if (name == u"circle") {
+    } else if (name == u"circle"sv) {
       TranslateCircle(child);
     }
   }
@@ -124,16 +127,16 @@ void TakeFontSize(std::u16string_view value) {
 void TranslateText(IXMLDOMNode* node) {
   const NestedElement nested;
   TakeCharacters(node);
-  run.text.SetFontName(u"arial");
+  run.text.SetFontName(u"arial"sv);
   ReplayPaintState();
   TranslateChildren(node);
   PushGraphicsState();
   TakeFontFamily(GetNodeAttribute(node, u"font-family"));
   ParseTransform(GetNodeAttribute(node, u"transform"), MatrixTarget::Current);
   ApplyTextStyle(GetNodeAttribute(node, u"style"), false);
-  ApplyTextAttribute(node, u"fill", false);
-  ApplyTextAttribute(node, u"stroke", false);
-  ApplyTextAttribute(node, u"stroke-width", true);
+  ApplyTextAttribute(node, u"fill"sv, false);
+  ApplyTextAttribute(node, u"stroke"sv, false);
+  ApplyTextAttribute(node, u"stroke-width"sv, true);
   UnitCode unit = kNoUnit;
   const double x = ReadLength(GetNodeAttribute(node, u"x"), &unit);
   ApplyTextAnchor(GetNodeAttribute(node, u"text-anchor"));
@@ -145,11 +148,11 @@ void TranslateText(IXMLDOMNode* node) {
 }
 
 void ApplyTextAnchor(std::u16string_view text) {
-  if (text.starts_with(u"middle")) {
+  if (text.starts_with(u"middle"sv)) {
     run.text.TextAnchor = kMiddle;
-  } else if (text.starts_with(u"start")) {
+  } else if (text.starts_with(u"start"sv)) {
     run.text.TextAnchor = kStart;
-  } else if (text.starts_with(u"end")) {
+  } else if (text.starts_with(u"end"sv)) {
     run.text.TextAnchor = kEnd;
   }
 }

@@ -15,6 +15,9 @@
 #include "text/text_element.h"
 #include "translators/colour_names.h"
 
+// A view of a plain literal would find out its length at run time.
+using namespace std::string_view_literals;
+
 namespace {
 
 constexpr std::int32_t kNone = -1;
@@ -69,7 +72,7 @@ class StyleText {
   std::optional<std::u16string_view> FindOpacity() const {
     for (const Property place : {kOpacity, kSecondOpacity}) {
       if (!Has(place)) return std::nullopt;
-      const std::size_t name = values_[place] - std::u16string_view(u"opacity:").size();
+      const std::size_t name = values_[place] - u"opacity:"sv.size();
       if (name == 0 || text_[name - 1] != u'-') return Find(place);
     }
     return std::nullopt;
@@ -83,32 +86,32 @@ class StyleText {
     };
     switch (name.empty() ? u' ' : name.back()) {
       case u'e':
-        take(u"stroke", kStroke);
-        take(u"fill-rule", kFillRule);
-        take(u"font-size", kFontSize);
+        take(u"stroke"sv, kStroke);
+        take(u"fill-rule"sv, kFillRule);
+        take(u"font-size"sv, kFontSize);
         break;
       case u'h':
-        take(u"stroke-width", kStrokeWidth);
+        take(u"stroke-width"sv, kStrokeWidth);
         break;
       case u'l':
-        take(u"fill", kFill);
+        take(u"fill"sv, kFill);
         break;
       case u'n':
-        take(u"stroke-linejoin", kLineJoin);
+        take(u"stroke-linejoin"sv, kLineJoin);
         break;
       case u'p':
-        take(u"stroke-linecap", kLineCap);
+        take(u"stroke-linecap"sv, kLineCap);
         break;
       case u'r':
-        take(u"text-anchor", kTextAnchor);
+        take(u"text-anchor"sv, kTextAnchor);
         break;
       case u't':
-        take(u"stroke-miterlimit", kMiterLimit);
+        take(u"stroke-miterlimit"sv, kMiterLimit);
         break;
       case u'y':
-        take(u"fill-opacity", kFillOpacity);
-        take(u"font-family", kFontFamily);
-        take(u"opacity", Has(kOpacity) ? kSecondOpacity : kOpacity);
+        take(u"fill-opacity"sv, kFillOpacity);
+        take(u"font-family"sv, kFontFamily);
+        take(u"opacity"sv, Has(kOpacity) ? kSecondOpacity : kOpacity);
         break;
       default:
         break;
@@ -121,8 +124,8 @@ class StyleText {
 
 bool IsName(std::u16string_view value) { return !value.empty() && value[0] >= u'b' && value[0] <= u'y'; }
 bool IsHex(std::u16string_view value) { return value.starts_with(u'#'); }
-bool IsRgb(std::u16string_view value) { return StartsWithAnyCase(value, u"rgb"); }
-bool IsNone(std::u16string_view value) { return StartsWithAnyCase(value, u"none"); }
+bool IsRgb(std::u16string_view value) { return StartsWithAnyCase(value, u"rgb"sv); }
+bool IsNone(std::u16string_view value) { return StartsWithAnyCase(value, u"none"sv); }
 
 // Three integers from the fifth unit on, with nothing between number and comma. What the scan does not reach is 0, and
 // of each number the low 8 bits count.
@@ -252,7 +255,7 @@ void ApplyShapeFill(const StyleText& style) {
   if (IsNone(*value)) {
     PushValue(KEY_FILL, kNone);
     CurrentFrame().fill.colour = kNone;
-  } else if (StartsWithAnyCase(*value, u"url")) {
+  } else if (StartsWithAnyCase(*value, u"url"sv)) {
     ApplyPaintServer(*value);
   } else if (const auto colour = ReadSolidColour(*value)) {
     PushValue(KEY_FILL, *colour);
@@ -432,20 +435,20 @@ void FoldAttribute(GrowingText& out, IXMLDOMNode* node, std::u16string_view name
   out.Append(name);
   out.Push(u':');
   out.Append(value);
-  out.Append(u"; ");
+  out.Append(u"; "sv);
 }
 
 void FoldPresentationAttributes(GrowingText& out, IXMLDOMNode* node) {
-  FoldAttribute(out, node, u"stroke-width");
+  FoldAttribute(out, node, u"stroke-width"sv);
   const bool widthGiven = !out.empty();
   const std::size_t before = out.size();
-  FoldAttribute(out, node, u"stroke");
-  if (out.size() != before && !widthGiven && CurrentFrame().lineWidth == 0.0) out.Append(u"stroke-width:1; ");
-  FoldAttribute(out, node, u"fill");
-  FoldAttribute(out, node, u"fill-opacity");
-  FoldAttribute(out, node, u"fill-rule");
-  FoldAttribute(out, node, u"stroke-linecap");
-  FoldAttribute(out, node, u"stroke-linejoin");
+  FoldAttribute(out, node, u"stroke"sv);
+  if (out.size() != before && !widthGiven && CurrentFrame().lineWidth == 0.0) out.Append(u"stroke-width:1; "sv);
+  FoldAttribute(out, node, u"fill"sv);
+  FoldAttribute(out, node, u"fill-opacity"sv);
+  FoldAttribute(out, node, u"fill-rule"sv);
+  FoldAttribute(out, node, u"stroke-linecap"sv);
+  FoldAttribute(out, node, u"stroke-linejoin"sv);
 }
 
 void ReplayPaintState() {
