@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "headless_host/headless_host.h"
+#include "headless_host/inspection.h"
 #include "host/polygon.h"
 
 namespace {
@@ -33,7 +34,7 @@ std::uint64_t MemoryOf(const ImportCommand& command) {
              malloc_usable_size(static_cast<POLYGON*>(command.data)->sides);
     case KEY_PARA:
       return kRecord + DefaultHostAllocator()->BlockSize(command.data) +
-             DefaultHostAllocator()->BlockSize(static_cast<ParagraphRecord*>(command.data)->paragraph);
+             ParagraphBytes(static_cast<ParagraphRecord*>(command.data)->paragraph);
     case KEY_NFIL:
     case KEY_NOTL:
     case KEY_LYOT:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "headless_host/host_state.h"
 #include "headless_host/journal.h"
@@ -128,7 +129,7 @@ int CloseParagraph(int finish, ParagraphHandle* handle) {
 
   if (host.openParagraph == known) host.openParagraph = nullptr;
   if (finish != 0) {
-    known->Close();
+    if (auto records = known->Close()) host.lastRecords = std::move(records);
   } else {
     host.paragraphs.Free(handle->paragraph);
     --headless::liveCounts.paragraphs;
@@ -198,4 +199,9 @@ std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph) {
   const HostParagraph* known = host.paragraphs.Find(paragraph);
   if (known == nullptr) return std::nullopt;
   return known->View();
+}
+
+std::size_t ParagraphBytes(const ComposedParagraph* paragraph) {
+  HostParagraph* known = host.paragraphs.Find(paragraph);
+  return known == nullptr ? 0 : known->Bytes();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -50,7 +51,8 @@ struct HostState {
 
   std::uint32_t lastParagraphTag = 0;
   ParagraphTable paragraphs;
-  HostParagraph* openParagraph = nullptr;  // has its records
+  std::unique_ptr<OpenRecords> lastRecords;  // of the paragraph closed last, which may still be read
+  HostParagraph* openParagraph = nullptr;    // has its records
 };
 
 extern HostState host;

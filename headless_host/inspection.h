@@ -117,6 +117,8 @@ struct ParagraphView : ParagraphState {
 };
 // Nothing when the composer does not know the paragraph, or no longer.
 std::optional<ParagraphView> ViewParagraph(const ComposedParagraph* paragraph);
+// The memory that a closed paragraph and its text take; 0 when the composer does not know it.
+std::size_t ParagraphBytes(const ComposedParagraph* paragraph);
 
 // The sides of a polygon.
 ArrayView<PolygonSide> ViewSides(const POLYGON& polygon);

@@ -37,9 +37,9 @@ void HostParagraph::Paste(std::u16string_view text) {
   lastRun_ = run;
 }
 
-void HostParagraph::Close() {
+std::unique_ptr<OpenRecords> HostParagraph::Close() {
   state = State();
-  records.reset();
+  return std::move(records);
 }
 
 ParagraphView HostParagraph::View() const {
@@ -49,6 +49,12 @@ ParagraphView HostParagraph::View() const {
     if (run->font != nullptr) view.runs.back().font = FontName(*run->font);
   }
   return view;
+}
+
+std::size_t HostParagraph::Bytes() {
+  std::size_t bytes = slabPool.SizeOf(this);
+  for (PastedRun* run = firstRun_; run != nullptr; run = run->next) bytes += slabPool.SizeOf(run);
+  return bytes;
 }
 
 ParagraphState HostParagraph::State() const {

@@ -43,9 +43,11 @@ struct HostParagraph {
 
   // Pastes into the open paragraph, in the font and height of its records.
   void Paste(std::u16string_view text);
-  // Takes over what the records hold and frees them.
-  void Close();
+  // Takes over what the records hold and gives them up; null when they have been given up before.
+  std::unique_ptr<OpenRecords> Close();
   ParagraphView View() const;
+  // Of its own block and those of what was pasted.
+  std::size_t Bytes();
 
   alignas(8) ComposedParagraph composed = {};
   std::unique_ptr<OpenRecords> records = std::make_unique<OpenRecords>();  // until the paragraph is closed

@@ -136,6 +136,17 @@ TEST_F(HostComposer, AClosedParagraphKeepsItsText) {
   EXPECT_EQ(runs[0].font, std::nullopt);
   EXPECT_EQ(runs[1].text, u"end");
   EXPECT_EQ(runs[1].font, u"Serif");
+  EXPECT_GE(ParagraphBytes(handle.paragraph), sizeof(ComposedParagraph) + 1002 * sizeof(char16_t));
+  EXPECT_EQ(ParagraphBytes(nullptr), 0u);
+}
+
+TEST_F(HostComposer, TheRecordsOfTheLastClosedParagraphCanStillBeRead) {
+  Open();
+  const ParagraphStatus* status = GetCurrentParagraphStatusAddress();
+  status->character->charScale = 700;
+  CloseParagraph(1, &handle);
+  CloseParagraph(1, &handle);
+  EXPECT_EQ(status->character->charScale, 700);
 }
 
 TEST_F(HostComposer, AParagraphThatStaysOpenKeepsItsRecordsBesideAnother) {
