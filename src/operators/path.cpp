@@ -7,6 +7,7 @@
 #include "filter_limits.h"
 #include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
+#include "operators/spaces.h"
 #include "run/command_queue.h"
 #include "run/host_memory.h"
 #include "run/import_run.h"

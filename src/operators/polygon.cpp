@@ -9,6 +9,7 @@
 #include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
 #include "operators/path.h"
+#include "operators/spaces.h"
 #include "run/command_queue.h"
 #include "run/host_memory.h"
 #include "run/import_run.h"
