@@ -12,6 +12,7 @@
 #include <string>
 
 #include "platform/narrow_text.h"
+#include "run/plain_number.h"
 
 namespace {
 
@@ -237,9 +238,9 @@ struct Plain {
 
 Plain ScanPlain(std::u16string_view text) {
   Plain plain = {false, -1.0, 0};
-  const char16_t* cursor = text.data();
-  plain.taken = ScanPlainDouble(cursor, text.data() + text.size(), &plain.value);
-  plain.consumed = static_cast<std::size_t>(cursor - text.data());
+  const char16_t* const end = ScanPlainDouble(text.data(), text.data() + text.size(), &plain.value);
+  plain.taken = end != nullptr;
+  if (end) plain.consumed = static_cast<std::size_t>(end - text.data());
   return plain;
 }
 
