@@ -81,8 +81,6 @@ void QueueDeviceLine(Point from, Point to) {
   PushPayload(KEY_LINE, sizeof *record, record);
 }
 
-void QueueLine(Point from, Point to) { QueueDeviceLine(ToDevice(from), ToDevice(to)); }
-
 void QueueBezier(Point start, Point control1, Point control2, Point end) {
   QueueHostBezier(ToHost(start), ToHost(control1), ToHost(control2), ToHost(end));
 }
@@ -172,19 +170,23 @@ void QuadraticTo(Point c, Point p1, bool relative) {
   const double step = (1.0 / (Distance(p0, c) + Distance(c, p1))) * 10.0;
   double t = 1.0;
   Point previous = {0.0, 0.0};
+  Point previousDevice = previous;
   const std::int32_t mostSamples = std::min(kMaxQuadraticSamples, path.samplesLeft);
   std::int32_t samples = 0;
   do {
     const double s = 1.0 - t;
     const Point p = {t * t * p0.x + 2.0 * t * s * c.x + s * s * p1.x, t * t * p0.y + 2.0 * t * s * c.y + s * s * p1.y};
-    if (previous.x != 0.0 && previous.y != 0.0) QueueLine(p, previous);
+    const Point device = ToDevice(p);
+    if (previous.x != 0.0 && previous.y != 0.0) QueueDeviceLine(device, previousDevice);
     t -= step;
     previous = p;
+    previousDevice = device;
   } while (t > 0.0 && ++samples < mostSamples);
   path.samplesLeft = std::max(0, path.samplesLeft - samples);
-  QueueLine(previous, p1);
+  const Point end = ToDevice(p1);
+  QueueDeviceLine(previousDevice, end);
   path.userCurrent = p1;
-  path.deviceCurrent = ToDevice(p1);
+  path.deviceCurrent = end;
 }
 
 // Raised to a cubic, unlike the other quadratic. userCurrent moves also when nothing is drawn, and lastControl ends on

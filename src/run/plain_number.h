@@ -30,9 +30,9 @@ inline const char16_t* ScanShortDouble(const char16_t* begin, double* value) {
 
   // Bit by unit. The first one may be a sign.
   const auto inNumber = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(points, digits)));
-  const auto length = static_cast<unsigned>(std::countr_one(inNumber | 1));
+  const auto length = static_cast<unsigned>(__builtin_ctz(~(inNumber | 1)));
   const unsigned point = static_cast<unsigned>(_mm_movemask_epi8(points)) & ((1u << length) - 1);
-  const unsigned wholeEnd = static_cast<unsigned>(std::countr_zero(point | 1u << length));
+  const unsigned wholeEnd = static_cast<unsigned>(__builtin_ctz(point | 1u << length));
   const unsigned negative = *begin == u'-';
   const unsigned whole = wholeEnd - negative;
   const unsigned decimalsBegin = wholeEnd + (point != 0);
@@ -45,7 +45,7 @@ inline const char16_t* ScanShortDouble(const char16_t* begin, double* value) {
   std::uint64_t four;
   std::memcpy(&four, begin + negative, sizeof four);
   four = (four - 0x0030'0030'0030'0030) * (1000ull << 48 | 100ull << 32 | 10ull << 16 | 1);
-  const std::uint64_t number = four >> ((whole - 1) * 16 & 63) & (whole == 0 ? 0 : 0xFFFF);
+  const std::uint64_t number = four >> ((whole - 1) * 16 & 63) & 0xFFFFu * (whole != 0);
 
   // Eight decimals, of which those that are not there count as 0. As many lanes stay as the load stands in front of the
   // zeros.

@@ -93,8 +93,8 @@ const char16_t* ReadPlainPair(const char16_t* c, const char16_t* end, Point* poi
   while (c != end && IsSeparator(*c)) ++c;
   c = ScanPlainDouble(c, end, &point->y);
   if (!c || c == end) return c;
-  if (!EndsPlainNumber(*c)) return nullptr;
-  return IsSeparator(*c) ? c + 1 : c;
+  if (IsSeparator(*c)) return c + 1;
+  return EndsPlainNumber(*c) ? c : nullptr;
 }
 
 // The same for one number, as ScanNumber would go on.
@@ -314,11 +314,12 @@ void PathWriter::Run() {
 
 bool IsLineEnd(char16_t c) { return c == u'\r' || c == u'\n'; }
 
-// Looks at every unit, without an early end, so that the compiler can take many at a time.
+// Looks at every unit, without an early end and in integers of a unit's size, so that the compiler can take many at a
+// time: it does not with a bool.
 bool HasLineEnd(std::u16string_view text) {
-  bool found = false;
-  for (const char16_t c : text) found |= IsLineEnd(c);
-  return found;
+  char16_t found = 0;
+  for (const char16_t c : text) found |= static_cast<char16_t>(IsLineEnd(c));
+  return found != 0;
 }
 
 }  // namespace
