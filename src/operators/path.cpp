@@ -32,7 +32,8 @@ double Distance(Point a, Point b) {
 void QueueHostBezier(Point p0, Point p1, Point p2, Point p3) {
   auto* record = static_cast<BezierRecord*>(TryAllocateHost(sizeof(BezierRecord)));
   if (!record) return;
-  std::memset(record, 0, sizeof *record);
+  std::memset(record->reserved0, 0, sizeof record->reserved0);
+  std::memset(record->reserved1, 0, sizeof record->reserved1);
   record->x0 = p0.x;
   record->y0 = p0.y;
   record->x1 = p1.x;
