@@ -20,7 +20,7 @@ constexpr unsigned kMostDecimals = 8;
 
 // A number of up to 4 digits in front of the point and up to 8 behind it. Random digits mislead the processor's guesses
 // at every loop and branch over them, so that there is none here: reads `kShortNumberWindow` units, which must be
-// there. Returns the end of the number, null for all other forms. Nine tenths of an import of path data.
+// there. Returns the end of the number, null for all other forms. It takes a twelfth off an import of path data.
 inline const char16_t* ScanShortDouble(const char16_t* begin, double* value) {
   const auto load = [](const char16_t* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); };
   const __m128i units = _mm_packus_epi16(load(begin), load(begin + 8));
@@ -45,7 +45,7 @@ inline const char16_t* ScanShortDouble(const char16_t* begin, double* value) {
   std::uint64_t four;
   std::memcpy(&four, begin + negative, sizeof four);
   four = (four - 0x0030'0030'0030'0030) * (1000ull << 48 | 100ull << 32 | 10ull << 16 | 1);
-  const std::uint64_t number = four >> ((whole - 1) * 16 & 63) & 0xFFFFu * (whole != 0);
+  const std::uint64_t number = four >> ((whole - 1) * 16 & 63) & (whole == 0 ? 0 : 0xFFFF);
 
   // Eight decimals, of which those that are not there count as 0. As many lanes stay as the load stands in front of the
   // zeros.

@@ -1,6 +1,8 @@
 #include "translators/path_data.h"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "document/node_access.h"
 #include "operators/operator_machine.h"
@@ -16,7 +18,7 @@
 
 namespace {
 
-bool IsExponent(char16_t c) { return c == u'E' || c == u'e'; }
+bool IsExponent(char16_t c) { return (c | 0x20) == u'e'; }
 bool IsNumberUnit(char16_t c) { return (c >= u'*' && c <= u'9' && c != u',') || IsExponent(c); }
 bool IsSkippedSpace(char16_t c) { return c == u'\t' || c == u'\n' || c == u'\r'; }
 
@@ -72,10 +74,19 @@ void PushSeparator(Cursor& cursor, GrowingText& out) {
   cursor.Take();
 }
 
-bool IsSeparator(char16_t c) { return c == u' ' || c == u','; }
+// A set of units below 64, and whether it has this one: without a branch, since what stands behind a number cannot be
+// foreseen.
+constexpr std::uint64_t SetOf(std::string_view units) {
+  std::uint64_t set = 0;
+  for (const char c : units) set |= std::uint64_t{1} << c;
+  return set;
+}
+bool IsIn(std::uint64_t set, char16_t c) { return (c < 64) & (set >> (c & 63)); }
+
+bool IsSeparator(char16_t c) { return IsIn(SetOf(" ,"), c); }
 
 // Whether a number in its plain form may end in front of this unit: whether the scanners would end it there as well.
-bool EndsPlainNumber(char16_t c) { return c == u'-' || !(IsNumberUnit(c) || IsSkippedSpace(c)); }
+bool EndsPlainNumber(char16_t c) { return !IsIn(SetOf("*+./0123456789\t\n\r"), c) && !IsExponent(c); }
 
 // The number in its plain form behind blanks; returns its end, or null for every other form.
 const char16_t* ReadBehindBlanks(const char16_t* c, const char16_t* end, double* value) {
@@ -89,12 +100,12 @@ const char16_t* ReadBehindBlanks(const char16_t* c, const char16_t* end, double*
 // on, or null for every other form.
 const char16_t* ReadPlainPair(const char16_t* c, const char16_t* end, Point* point) {
   c = ReadBehindBlanks(c, end, &point->x);
-  if (!c || c == end || !(IsSeparator(*c) || *c == u'-')) return nullptr;
+  if (!c || c == end || !IsIn(SetOf(" ,-"), *c)) return nullptr;
+  c += IsSeparator(*c);  // the usual one apart
   while (c != end && IsSeparator(*c)) ++c;
   c = ScanPlainDouble(c, end, &point->y);
   if (!c || c == end) return c;
-  if (IsSeparator(*c)) return c + 1;
-  return EndsPlainNumber(*c) ? c : nullptr;
+  return EndsPlainNumber(*c) ? c + IsSeparator(*c) : nullptr;
 }
 
 // The same for one number, as ScanNumber would go on.
