@@ -76,7 +76,7 @@ void PushSeparator(Cursor& cursor, GrowingText& out) {
 
 // A set of units below 64, and whether it has this one: without a branch, since what stands behind a number cannot be
 // foreseen.
-constexpr std::uint64_t SetOf(std::string_view units) {
+consteval std::uint64_t SetOf(std::string_view units) {
   std::uint64_t set = 0;
   for (const char c : units) set |= std::uint64_t{1} << c;
   return set;
