@@ -34,6 +34,10 @@ void SetCapacity(POLYGON& polygon, std::int64_t capacity) {
   std::memcpy(polygon.hostData1, &capacity, sizeof capacity);
 }
 
+[[gnu::noinline, gnu::cold]] void WriteSideCount(std::int64_t count) {
+  JournalCall("POLYGON::get_sides").Result(count);
+}
+
 }  // namespace
 
 ArrayView<PolygonSide> ViewSides(const POLYGON& polygon) {
@@ -54,8 +58,7 @@ POLYGON::~POLYGON() {
 }
 
 void POLYGON::add_side() {
-  if (journaling) [[unlikely]]
-    JournalCall("POLYGON::add_side");
+  if (journaling) headless::WriteCall("POLYGON::add_side");
   const std::int64_t count = Count(*this);
   const std::int64_t capacity = Capacity(*this);
   if (count == capacity) {
@@ -78,7 +81,6 @@ void POLYGON::del_side() {
 
 std::int64_t POLYGON::get_sides() const {
   const std::int64_t count = Count(*this);
-  if (journaling) [[unlikely]]
-    JournalCall("POLYGON::get_sides").Result(count);
+  if (journaling) WriteSideCount(count);
   return count;
 }

@@ -61,8 +61,7 @@ void* PoolAllocator::AllocateFirst(std::size_t size) {
 }
 
 void* PoolAllocator::Allocate(std::size_t size) {
-  if (journaling) [[unlikely]]
-    JournalCall("MemInitBaseT::Allocate", size);
+  if (journaling) WriteCall("MemInitBaseT::Allocate", size);
   return Take(size);
 }
 
@@ -77,8 +76,7 @@ void* PoolAllocator::AllocateCleared(std::size_t count, std::size_t size) {
 }
 
 void PoolAllocator::Free(void* block) {
-  if (journaling) [[unlikely]]
-    JournalCall("MemInitBaseT::Free");
+  if (journaling) WriteCall("MemInitBaseT::Free");
   Give(block);
 }
 

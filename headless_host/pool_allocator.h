@@ -9,7 +9,7 @@
 
 namespace headless {
 
-class PoolAllocator final : public HostAllocator {
+class [[gnu::visibility("hidden")]] PoolAllocator final : public HostAllocator {
  public:
   constexpr PoolAllocator() = default;
 

@@ -10,7 +10,7 @@
 
 namespace headless {
 
-class SlabPool {
+class [[gnu::visibility("hidden")]] SlabPool {
  public:
   constexpr SlabPool() = default;
 

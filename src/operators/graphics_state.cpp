@@ -68,14 +68,6 @@ void InitialiseGraphicsState() {
   frame.fill.colour = 0;
 }
 
-Point TransformPoint(const TM& m, Point p) { return {m.a * p.x + m.c * p.y + m.e, m.b * p.x + m.d * p.y + m.f}; }
-
-Point ToDevice(Point user) { return TransformPoint(CurrentFrame().currentMatrix, user); }
-
-Point ToHost(Point device) {
-  return {device.x * run.UnitScale, run.DocHeight * run.UnitScale - device.y * run.UnitScale};
-}
-
 TM ConcatMatrix(const TM& first, const TM& second) {
   return {first.a * second.a + first.b * second.c,
           first.a * second.b + first.b * second.d,

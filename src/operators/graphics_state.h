@@ -90,10 +90,7 @@ void InitialiseGraphicsState();
 
 inline constexpr TM kIdentity = {1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
 
-// x' = a*x + c*y + e, y' = b*x + d*y + f.
-Point TransformPoint(const TM& matrix, Point point);
-Point ToDevice(Point user);  // through the current matrix
-Point ToHost(Point device);
+inline Point TransformPoint(const TM& m, Point p) { return {m.a * p.x + m.c * p.y + m.e, m.b * p.x + m.d * p.y + m.f}; }
 
 // Applies `first`, then `second`.
 TM ConcatMatrix(const TM& first, const TM& second);

@@ -7,6 +7,7 @@
 #include "filter_limits.h"
 #include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
+#include "operators/spaces.h"
 #include "run/command_queue.h"
 #include "run/host_memory.h"
 #include "run/import_run.h"
@@ -31,7 +32,8 @@ double Distance(Point a, Point b) {
 void QueueHostBezier(Point p0, Point p1, Point p2, Point p3) {
   auto* record = static_cast<BezierRecord*>(TryAllocateHost(sizeof(BezierRecord)));
   if (!record) return;
-  std::memset(record, 0, sizeof *record);
+  std::memset(record->reserved0, 0, sizeof record->reserved0);
+  std::memset(record->reserved1, 0, sizeof record->reserved1);
   record->x0 = p0.x;
   record->y0 = p0.y;
   record->x1 = p1.x;
@@ -79,8 +81,6 @@ void QueueDeviceLine(Point from, Point to) {
   record->y1 = p1.y;
   PushPayload(KEY_LINE, sizeof *record, record);
 }
-
-void QueueLine(Point from, Point to) { QueueDeviceLine(ToDevice(from), ToDevice(to)); }
 
 void QueueBezier(Point start, Point control1, Point control2, Point end) {
   QueueHostBezier(ToHost(start), ToHost(control1), ToHost(control2), ToHost(end));
@@ -171,19 +171,23 @@ void QuadraticTo(Point c, Point p1, bool relative) {
   const double step = (1.0 / (Distance(p0, c) + Distance(c, p1))) * 10.0;
   double t = 1.0;
   Point previous = {0.0, 0.0};
+  Point previousDevice = previous;
   const std::int32_t mostSamples = std::min(kMaxQuadraticSamples, path.samplesLeft);
   std::int32_t samples = 0;
   do {
     const double s = 1.0 - t;
     const Point p = {t * t * p0.x + 2.0 * t * s * c.x + s * s * p1.x, t * t * p0.y + 2.0 * t * s * c.y + s * s * p1.y};
-    if (previous.x != 0.0 && previous.y != 0.0) QueueLine(p, previous);
+    const Point device = ToDevice(p);
+    if (previous.x != 0.0 && previous.y != 0.0) QueueDeviceLine(device, previousDevice);
     t -= step;
     previous = p;
+    previousDevice = device;
   } while (t > 0.0 && ++samples < mostSamples);
   path.samplesLeft = std::max(0, path.samplesLeft - samples);
-  QueueLine(previous, p1);
+  const Point end = ToDevice(p1);
+  QueueDeviceLine(previousDevice, end);
   path.userCurrent = p1;
-  path.deviceCurrent = ToDevice(p1);
+  path.deviceCurrent = end;
 }
 
 // Raised to a cubic, unlike the other quadratic. userCurrent moves also when nothing is drawn, and lastControl ends on

@@ -7,8 +7,6 @@ struct OperatorCall;
 
 // Queues a straight segment between two points of device space. Nothing is queued when memory has run out.
 void QueueDeviceLine(Point from, Point to);
-// The same between two points of user space.
-void QueueLine(Point from, Point to);
 // Queues a cubic, all points in device space. Nothing is queued when memory has run out.
 void QueueBezier(Point start, Point control1, Point control2, Point end);
 

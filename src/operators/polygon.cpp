@@ -9,6 +9,7 @@
 #include "operators/operand_stack.h"
 #include "operators/operator_machine.h"
 #include "operators/path.h"
+#include "operators/spaces.h"
 #include "run/command_queue.h"
 #include "run/host_memory.h"
 #include "run/import_run.h"
@@ -78,13 +79,11 @@ void FinishPolygon() {
   run.currentPolygon = nullptr;
 }
 
-struct Arc {
-  double rx, ry;
-  double rotation;  // degrees
-  bool largeArc, sweep;
-  Point start, end;
-
+// The ellipse that an arc lies on, and the part of it.
+struct Ellipse {
   Point centre;
+  double rx, ry;
+  double cosine, sine;            // of its rotation
   double startAngle, sweepAngle;  // degrees
 };
 
@@ -96,12 +95,15 @@ double ArcCosine(double x) {
 }
 
 // From end points to centre and angles; the radii come out large enough to reach.
-void ArcToCentre(Arc& arc) {
-  const double dx = (arc.start.x - arc.end.x) * 0.5;
-  const double dy = (arc.start.y - arc.end.y) * 0.5;
+Ellipse EllipseOfArc(const Arc& arc, Point start) {
+  Ellipse ellipse;
+  const double dx = (start.x - arc.end.x) * 0.5;
+  const double dy = (start.y - arc.end.y) * 0.5;
   const double phi = arc.rotation / kDegreesPerRadian;
   const double c = std::cos(phi);
   const double s = std::sin(phi);
+  ellipse.cosine = c;
+  ellipse.sine = s;
   double rx = std::fabs(arc.rx);
   double ry = std::fabs(arc.ry);
   const double x = c * dx + s * dy;
@@ -111,8 +113,8 @@ void ArcToCentre(Arc& arc) {
     rx *= std::sqrt(lambda);
     ry *= std::sqrt(lambda);
   }
-  arc.rx = rx;
-  arc.ry = ry;
+  ellipse.rx = rx;
+  ellipse.ry = ry;
 
   const double rx2 = rx * rx;
   const double ry2 = ry * ry;
@@ -121,20 +123,21 @@ void ArcToCentre(Arc& arc) {
   if (arc.largeArc == arc.sweep) k = -k;
   const double cx = k * y * rx / ry;
   const double cy = -k * x * ry / rx;
-  arc.centre.x = c * cx - s * cy + (arc.start.x + arc.end.x) * 0.5;
-  arc.centre.y = c * cy + s * cx + (arc.start.y + arc.end.y) * 0.5;
+  ellipse.centre.x = c * cx - s * cy + (start.x + arc.end.x) * 0.5;
+  ellipse.centre.y = c * cy + s * cx + (start.y + arc.end.y) * 0.5;
 
   const Point u = {(x - cx) / rx, (y - cy) / ry};
   const Point v = {(-x - cx) / rx, (-y - cy) / ry};
   const double lengthU = std::sqrt(u.x * u.x + u.y * u.y);
   const double lengthV = std::sqrt(v.x * v.x + v.y * v.y);
-  arc.startAngle = ArcCosine(u.x / lengthU);
-  if (u.y < 0.0) arc.startAngle = -arc.startAngle;
+  ellipse.startAngle = ArcCosine(u.x / lengthU);
+  if (u.y < 0.0) ellipse.startAngle = -ellipse.startAngle;
   double delta = ArcCosine((u.x * v.x + u.y * v.y) / (lengthU * lengthV));
   if (u.x * v.y - u.y * v.x < 0.0) delta = -delta;
   if (arc.sweep && delta < 0.0) delta += 360.0;
   if (!arc.sweep && delta > 0.0) delta -= 360.0;
-  arc.sweepAngle = delta;
+  ellipse.sweepAngle = delta;
+  return ellipse;
 }
 
 void EndArc() { PushCommand(KEY_NULL); }
@@ -200,41 +203,28 @@ void DropPolygon() {
   run.currentPolygon = nullptr;
 }
 
-// A, a: rx ry rotation largeArc sweep x y -> -. The polygon lies among the segments of the path. Of the pen only its
-// device side moves, so that a relative operator behind an arc still measures from the point before it: it is meant.
-void OperatorArc(const OperatorCall& call) {
+void ArcTo(Arc arc, bool relative) {
   PathState& path = run.path;
   Point pen;
   const bool invertible = DevicePenToUser(&pen);
   if (!invertible) pen = path.userCurrent;
-
-  Arc arc;
-  arc.end.y = PopNumberOrZero();
-  arc.end.x = PopNumberOrZero();
-  arc.sweep = PopIntegerOrZero() != 0;
-  arc.largeArc = PopIntegerOrZero() != 0;
-  arc.rotation = PopNumberOrZero();
-  arc.ry = PopNumberOrZero();
-  if (!PopNumber(&arc.rx)) return;
-  if (call.token[0] == u'a') arc.end = {arc.end.x + pen.x, arc.end.y + pen.y};
+  if (relative) arc.end = {arc.end.x + pen.x, arc.end.y + pen.y};
   if (!invertible || arc.rx == 0.0 || arc.ry == 0.0 || arc.end == pen) {
     StraightArc(arc.end);
     return;
   }
 
-  arc.start = pen;
-  ArcToCentre(arc);
-  if (arc.startAngle < 0.0) arc.startAngle += 360.0;
-  const double endAngle = arc.startAngle + arc.sweepAngle;
-  const double rotation = arc.rotation / kDegreesPerRadian;
-  const double start = arc.startAngle / kDegreesPerRadian;
+  Ellipse ellipse = EllipseOfArc(arc, pen);
+  if (ellipse.startAngle < 0.0) ellipse.startAngle += 360.0;
+  const double endAngle = ellipse.startAngle + ellipse.sweepAngle;
+  const double start = ellipse.startAngle / kDegreesPerRadian;
   const double end = endAngle / kDegreesPerRadian;
-  const double c = std::cos(rotation);
-  const double s = std::sin(rotation);
+  const double c = ellipse.cosine;
+  const double s = ellipse.sine;
   const auto sample = [&](double angle) {
-    const double x = arc.rx * std::cos(angle);
-    const double y = arc.ry * std::sin(angle);
-    return Point{c * x - s * y + arc.centre.x, s * x + c * y + arc.centre.y};
+    const double x = ellipse.rx * std::cos(angle);
+    const double y = ellipse.ry * std::sin(angle);
+    return Point{c * x - s * y + ellipse.centre.x, s * x + c * y + ellipse.centre.y};
   };
 
   BeginPolygon();
@@ -252,6 +242,18 @@ void OperatorArc(const OperatorCall& call) {
   FinishPolygon();
   EndArc();
   path.deviceCurrent = ToDevice(last);
+}
+
+// A, a: rx ry rotation largeArc sweep x y -> -
+void OperatorArc(const OperatorCall& call) {
+  Arc arc;
+  arc.end.y = PopNumberOrZero();
+  arc.end.x = PopNumberOrZero();
+  arc.sweep = PopIntegerOrZero() != 0;
+  arc.largeArc = PopIntegerOrZero() != 0;
+  arc.rotation = PopNumberOrZero();
+  arc.ry = PopNumberOrZero();
+  if (PopNumber(&arc.rx)) ArcTo(arc, call.token[0] == u'a');
 }
 
 // rect: width height x y rx ry -> -. The path state is left alone.

@@ -27,8 +27,7 @@ void FeedLengths(IXMLDOMNode* node, const std::u16string_view (&names)[N]) {
   for (const std::u16string_view name : names) {
     const std::u16string_view value = GetNodeAttribute(node, name);
     double number = 0.0;
-    const char16_t* cursor = value.data();
-    if (value.empty() || ReadPlainNumber(cursor, value.data() + value.size(), &number)) {
+    if (value.empty() || ReadPlainNumber(value.data(), value.data() + value.size(), &number)) {
       PushNumber(number);
       continue;
     }

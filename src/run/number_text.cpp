@@ -5,10 +5,7 @@
 #include <limits>
 #include <string>
 
-#ifdef __x86_64__
-#include <emmintrin.h>
-#include <bit>
-#endif
+#include "run/plain_number.h"
 
 namespace {
 
@@ -17,31 +14,6 @@ constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
 constexpr std::ptrdiff_t kMaxPlainDigits = 19;
 constexpr std::uint64_t kMaxExactMantissa = std::uint64_t{1} << 53;
-
-#ifdef __x86_64__
-
-constexpr std::ptrdiff_t kDigitBlock = 8;
-constexpr std::uint64_t kDigitBlockScale = 100'000'000;
-
-// As many lanes stay as the load stands in front of the zeros.
-constexpr char16_t kLanes[2 * kDigitBlock] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
-
-// The number of eight decimals: the digits at the start of the block, and a 0 for each of the rest. Returns how many
-// digits there were, which no loop over them could foresee.
-int ReadDecimals(const char16_t* from, std::uint64_t* number) {
-  const __m128i nine = _mm_set1_epi16(9);
-  __m128i digits = _mm_sub_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)), _mm_set1_epi16(u'0'));
-  const __m128i isDigit = _mm_cmpeq_epi16(_mm_subs_epu16(digits, nine), _mm_setzero_si128());
-  const int count = std::countr_one(static_cast<unsigned>(_mm_movemask_epi8(isDigit))) / 2;
-  digits = _mm_and_si128(digits, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kLanes + kDigitBlock - count)));
-  const __m128i pairs = _mm_madd_epi16(digits, _mm_set_epi16(1, 10, 1, 10, 1, 10, 1, 10));
-  const __m128i fours = _mm_madd_epi16(_mm_packs_epi32(pairs, pairs), _mm_set_epi16(1, 100, 1, 100, 1, 100, 1, 100));
-  const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(fours));
-  *number = (both & 0xFFFFFFFF) * 10000 + (both >> 32);
-  return count;
-}
-
-#endif
 
 // The number of these units, which have the form of a number without a plus sign, by the library's correctly rounding
 // routine.
@@ -89,37 +61,29 @@ double Convert(std::u16string_view number) {
 }  // namespace
 
 // Up to 19 digits fit the integer. With an integer up to 2^53 and an exact power of ten one division rounds correctly.
-bool ScanPlainDouble(const char16_t*& cursor, const char16_t* end, double* value) {
-  const char16_t* c = cursor;
+const char16_t* ScanLongPlainDouble(const char16_t* begin, const char16_t* end, double* value) {
+  const char16_t* c = begin;
   bool negative = false;
   if (c != end && (*c == u'-' || *c == u'+')) negative = *c++ == u'-';
   std::uint64_t mantissa = 0;
-  const char16_t* const first = c;
-  for (; c != end && IsDigit(*c); ++c) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
-  std::ptrdiff_t digits = c - first;
-  std::ptrdiff_t scale = 0;
-  std::ptrdiff_t padding = 0;  // zeros taken in behind the last decimal, which change nothing
+  std::ptrdiff_t digits = 0;
+  const auto takeDigits = [&] {
+    const char16_t* const first = c;
+    for (; c != end && IsDigit(*c); ++c) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
+    digits += c - first;
+    return c - first;
+  };
+  takeDigits();
+  std::ptrdiff_t decimals = 0;
   if (c != end && *c == u'.') {
-    const char16_t* const point = ++c;
-#ifdef __x86_64__
-    if (end - c >= kDigitBlock) {
-      std::uint64_t decimals;
-      c += ReadDecimals(c, &decimals);
-      mantissa = mantissa * kDigitBlockScale + decimals;
-      padding = kDigitBlock - (c - point);
-    }
-    if (padding == 0)
-#endif
-      for (; c != end && IsDigit(*c); ++c) mantissa = mantissa * 10 + static_cast<std::uint64_t>(*c - u'0');
-    scale = c - point + padding;
-    digits += c - point;
+    ++c;
+    decimals = takeDigits();
   }
-  if (digits == 0 || digits + padding > kMaxPlainDigits || mantissa > kMaxExactMantissa) return false;
-  if (c != end && (*c == u'e' || *c == u'E')) return false;
-  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[scale];
+  if (digits == 0 || digits > kMaxPlainDigits || mantissa > kMaxExactMantissa) return nullptr;
+  if (c != end && (*c == u'e' || *c == u'E')) return nullptr;
+  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[decimals];
   *value = negative ? -magnitude : magnitude;
-  cursor = c;
-  return true;
+  return c;
 }
 
 double ScanDouble(std::u16string_view text, std::size_t* consumed) {
@@ -127,8 +91,8 @@ double ScanDouble(std::u16string_view text, std::size_t* consumed) {
   const char16_t* const end = begin + text.size();
   const char16_t* c = begin;
   double value;
-  if (ScanPlainDouble(c, end, &value)) {
-    *consumed = static_cast<std::size_t>(c - begin);
+  if (const char16_t* plainEnd = ScanPlainDouble(c, end, &value)) {
+    *consumed = static_cast<std::size_t>(plainEnd - begin);
     return value;
   }
   if (c != end && (*c == u'-' || *c == u'+')) ++c;

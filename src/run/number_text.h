@@ -10,11 +10,6 @@
 // there is no number, and the result is then 0.0.
 double ScanDouble(std::u16string_view text, std::size_t* consumed);
 
-// The same for the form that nearly all numbers have, a few digits with an optional sign and point and no exponent:
-// reads it at `cursor`, converts it in the same walk and moves the cursor behind it. False, with the cursor where it
-// was, for every other form.
-bool ScanPlainDouble(const char16_t*& cursor, const char16_t* end, double* value);
-
 // The number that the text begins with, behind white space; 0.0 when there is none.
 double LeadingNumber(std::u16string_view text);
 

@@ -6,6 +6,7 @@
 #include "document/node_access.h"
 #include "filter_limits.h"
 #include "operators/graphics_state.h"
+#include "operators/spaces.h"
 #include "platform/narrow_text.h"
 #include "run/import_run.h"
 #include "run/number_text.h"

@@ -1,20 +1,24 @@
 #include "translators/path_data.h"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "document/node_access.h"
 #include "operators/operator_machine.h"
 #include "operators/path.h"
 #include "operators/path_end.h"
+#include "operators/polygon.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
+#include "run/plain_number.h"
 #include "translators/clip_reference.h"
 #include "translators/shapes.h"
 #include "translators/transform.h"
 
 namespace {
 
-bool IsExponent(char16_t c) { return c == u'E' || c == u'e'; }
+bool IsExponent(char16_t c) { return (c | 0x20) == u'e'; }
 bool IsNumberUnit(char16_t c) { return (c >= u'*' && c <= u'9' && c != u',') || IsExponent(c); }
 bool IsSkippedSpace(char16_t c) { return c == u'\t' || c == u'\n' || c == u'\r'; }
 
@@ -70,39 +74,55 @@ void PushSeparator(Cursor& cursor, GrowingText& out) {
   cursor.Take();
 }
 
-bool IsSeparator(char16_t c) { return c == u' ' || c == u','; }
+// A set of units below 64, and whether it has this one: without a branch, since what stands behind a number cannot be
+// foreseen.
+consteval std::uint64_t SetOf(std::string_view units) {
+  std::uint64_t set = 0;
+  for (const char c : units) set |= std::uint64_t{1} << c;
+  return set;
+}
+bool IsIn(std::uint64_t set, char16_t c) { return (c < 64) & (set >> (c & 63)); }
+
+bool IsSeparator(char16_t c) { return IsIn(SetOf(" ,"), c); }
 
 // Whether a number in its plain form may end in front of this unit: whether the scanners would end it there as well.
-bool EndsPlainNumber(char16_t c) { return c == u'-' || !(IsNumberUnit(c) || IsSkippedSpace(c)); }
+bool EndsPlainNumber(char16_t c) { return !IsIn(SetOf("*+./0123456789\t\n\r"), c) && !IsExponent(c); }
+
+// The number in its plain form behind blanks; returns its end, or null for every other form.
+const char16_t* ReadBehindBlanks(const char16_t* c, const char16_t* end, double* value) {
+  while (c != end && *c == u' ') ++c;
+  return ScanPlainDouble(c, end, value);
+}
 
 }  // namespace
 
-// A pair in its plain form, two numbers with blanks or commas between them; the cursor moves behind it as
-// ScanCoordinatePair would go on. False for every other form.
-bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point) {
-  const char16_t* c = cursor;
-  while (c != end && *c == u' ') ++c;
-  if (!ScanPlainDouble(c, end, &point->x) || c == end || !(IsSeparator(*c) || *c == u'-')) return false;
+// A pair in its plain form, two numbers with blanks or commas between them. Returns where ScanCoordinatePair would go
+// on, or null for every other form.
+const char16_t* ReadPlainPair(const char16_t* c, const char16_t* end, Point* point) {
+  c = ReadBehindBlanks(c, end, &point->x);
+  if (!c || c == end || !IsIn(SetOf(" ,-"), *c)) return nullptr;
+  c += IsSeparator(*c);  // the usual one apart
   while (c != end && IsSeparator(*c)) ++c;
-  if (!ScanPlainDouble(c, end, &point->y)) return false;
-  if (c != end) {
-    if (!EndsPlainNumber(*c)) return false;
-    if (IsSeparator(*c)) ++c;
-  }
-  cursor = c;
-  return true;
+  c = ScanPlainDouble(c, end, &point->y);
+  if (!c || c == end) return c;
+  return EndsPlainNumber(*c) ? c + IsSeparator(*c) : nullptr;
 }
 
 // The same for one number, as ScanNumber would go on.
-bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value) {
-  const char16_t* c = cursor;
-  while (c != end && *c == u' ') ++c;
-  if (!ScanPlainDouble(c, end, value) || (c != end && !EndsPlainNumber(*c))) return false;
-  cursor = c;
-  return true;
+const char16_t* ReadPlainNumber(const char16_t* c, const char16_t* end, double* value) {
+  c = ReadBehindBlanks(c, end, value);
+  return c && (c == end || EndsPlainNumber(*c)) ? c : nullptr;
 }
 
 namespace {
+
+// The next digit, wherever it stands. Returns its end, or null when there is none.
+const char16_t* ReadFlag(const char16_t* c, const char16_t* end, bool* flag) {
+  while (c != end && !IsDigit(*c)) ++c;
+  if (c == end) return nullptr;
+  *flag = *c != u'0';
+  return c + 1;
+}
 
 // The letters of a path's data, and how they become operator text.
 class PathWriter {
@@ -155,50 +175,70 @@ bool PathWriter::DrawPlain(char16_t letter, ScanFrom from) {
   const char16_t* const end = data_.data() + data_.size();
   const bool relative = letter >= u'a';
   Point p[3];
+  const auto readPairs = [&](int count) {
+    for (int i = 0; c && i < count; ++i) c = ReadPlainPair(c, end, &p[i]);
+    return c != nullptr;
+  };
   double number;
+  const auto readNumber = [&] {
+    c = ReadPlainNumber(c, end, &number);
+    return c != nullptr;
+  };
+
   switch (letter) {
     case u'M':
     case u'm':
-      if (!ReadPlainPair(c, end, &p[0])) return false;
+      if (!readPairs(1)) return false;
       MoveTo(p[0], relative);
       break;
     case u'L':
     case u'l':
-      if (!ReadPlainPair(c, end, &p[0])) return false;
+      if (!readPairs(1)) return false;
       LineTo(p[0], relative);
       break;
     case u'H':
     case u'h':
-      if (!ReadPlainNumber(c, end, &number)) return false;
+      if (!readNumber()) return false;
       HorizontalTo(number, relative);
       break;
     case u'V':
     case u'v':
-      if (!ReadPlainNumber(c, end, &number)) return false;
+      if (!readNumber()) return false;
       VerticalTo(number, relative);
       break;
     case u'C':
     case u'c':
-      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1]) || !ReadPlainPair(c, end, &p[2])) return false;
+      if (!readPairs(3)) return false;
       CurveTo(p[0], p[1], p[2], relative);
       break;
     case u'S':
     case u's':
-      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1])) return false;
+      if (!readPairs(2)) return false;
       added_ = u'c';
       SmoothCurveTo(p[0], p[1], relative);
       break;
     case u'Q':
     case u'q':
-      if (!ReadPlainPair(c, end, &p[0]) || !ReadPlainPair(c, end, &p[1])) return false;
+      if (!readPairs(2)) return false;
       QuadraticTo(p[0], p[1], relative);
       break;
     case u'T':
     case u't':
-      if (!ReadPlainPair(c, end, &p[0])) return false;
+      if (!readPairs(1)) return false;
       added_ = u'p';
       SmoothQuadraticTo(p[0], relative);
       break;
+    case u'A':
+    case u'a': {
+      if (!readPairs(1) || !readNumber()) return false;
+      Arc arc = {p[0].x, p[0].y, number, false, false, {}};
+      c = ReadFlag(c, end, &arc.largeArc);
+      if (c) c = ReadFlag(c, end, &arc.sweep);
+      if (!readPairs(1)) return false;
+      arc.end = p[0];
+      ArcTo(arc, relative);
+      break;
+    }
     default:
       return false;
   }
@@ -285,11 +325,12 @@ void PathWriter::Run() {
 
 bool IsLineEnd(char16_t c) { return c == u'\r' || c == u'\n'; }
 
-// Looks at every unit, without an early end, so that the compiler can take many at a time.
+// Looks at every unit, without an early end and in integers of a unit's size, so that the compiler can take many at a
+// time: it does not with a bool.
 bool HasLineEnd(std::u16string_view text) {
-  bool found = false;
-  for (const char16_t c : text) found |= IsLineEnd(c);
-  return found;
+  char16_t found = 0;
+  for (const char16_t c : text) found |= static_cast<char16_t>(IsLineEnd(c));
+  return found != 0;
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ std::size_t ScanCoordinatePair(ScanFrom from, std::u16string_view in, GrowingTex
 // One number. A "-" or a second "." ends it.
 std::size_t ScanNumber(ScanFrom from, std::u16string_view in, GrowingText& out);
 
-// The same for the form that nearly all coordinates have, numbers that ScanPlainDouble takes. The cursor goes on as
-// behind the scanner. False, with the cursor where it was, for every other form.
-bool ReadPlainPair(const char16_t*& cursor, const char16_t* end, Point* point);
-bool ReadPlainNumber(const char16_t*& cursor, const char16_t* end, double* value);
+// The same for the form that nearly all coordinates have, numbers that ScanPlainDouble takes. Both return where the
+// scanner would go on, and null for every other form.
+const char16_t* ReadPlainPair(const char16_t* c, const char16_t* end, Point* point);
+const char16_t* ReadPlainNumber(const char16_t* c, const char16_t* end, double* value);

@@ -18,9 +18,8 @@ namespace {
 
 // A plain number is pushed without a way through operator text.
 void FeedNumber(std::u16string_view value) {
-  const char16_t* cursor = value.data();
   double number;
-  if (ReadPlainNumber(cursor, value.data() + value.size(), &number)) {
+  if (ReadPlainNumber(value.data(), value.data() + value.size(), &number)) {
     PushNumber(number);
     return;
   }
@@ -82,15 +81,14 @@ void ApplyStyleOrReplay(IXMLDOMNode* node) {
 // Moves to the pair of points that the text begins with, or draws the line to it, a plain pair without a way through
 // operator text. Returns the units to go on by, 0 at a unit that no scanner takes.
 std::size_t DrawPair(std::u16string_view points, char16_t letter) {
-  const char16_t* cursor = points.data();
   Point point;
-  if (ReadPlainPair(cursor, points.data() + points.size(), &point)) {
+  if (const char16_t* behind = ReadPlainPair(points.data(), points.data() + points.size(), &point)) {
     if (letter == u'M') {
       MoveTo(point, false);
     } else {
       LineTo(point, false);
     }
-    return static_cast<std::size_t>(cursor - points.data());
+    return static_cast<std::size_t>(behind - points.data());
   }
   GrowingText pair;
   const std::size_t consumed = ScanCoordinatePair(ScanFrom::Number, points, pair);

@@ -1,5 +1,6 @@
 // Frames: what the first one holds, what a push copies, what a pop sends and gives back, and the matrices.
 #include "operators/graphics_state.h"
+#include "operators/spaces.h"
 
 #include <cstring>
 

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "platform/narrow_text.h"
+#include "run/plain_number.h"
 
 namespace {
 
@@ -237,9 +238,9 @@ struct Plain {
 
 Plain ScanPlain(std::u16string_view text) {
   Plain plain = {false, -1.0, 0};
-  const char16_t* cursor = text.data();
-  plain.taken = ScanPlainDouble(cursor, text.data() + text.size(), &plain.value);
-  plain.consumed = static_cast<std::size_t>(cursor - text.data());
+  const char16_t* const end = ScanPlainDouble(text.data(), text.data() + text.size(), &plain.value);
+  plain.taken = end != nullptr;
+  if (end) plain.consumed = static_cast<std::size_t>(end - text.data());
   return plain;
 }
 
@@ -255,13 +256,44 @@ TEST(ScanPlainDouble, ReadsAFewDigitsWithSignAndPoint) {
   }
 }
 
-TEST(ScanPlainDouble, RefusesEveryOtherFormAndStaysWhereItWas) {
+TEST(ScanPlainDouble, RefusesEveryOtherFormAndLeavesTheValueAlone) {
   for (const std::u16string_view text : {u"", u"-", u"+", u".", u"-.", u"x", u" 1", u"1e5", u"1E5", u"1.5e-3", u"inf",
                                          u"nan", u"12345678901234567890123", u"0.12345678901234567890123"}) {
     SCOPED_TRACE(NarrowFromWide(text));
-    const Plain plain = ScanPlain(text);
-    EXPECT_FALSE(plain.taken);
-    EXPECT_EQ(plain.consumed, 0u);
+    for (const std::size_t blanks : {0, 20}) {
+      const Plain plain = ScanPlain(std::u16string(text) + std::u16string(blanks, u' '));
+      EXPECT_FALSE(plain.taken);
+      EXPECT_EQ(plain.value, -1.0);
+    }
+  }
+}
+
+// Numbers with much text behind them are read another way. No unit but an ASCII digit goes on with a number, whatever
+// its low byte is.
+TEST(ScanPlainDouble, ReadsShortNumbersAlikeWhateverStandsBehindThem) {
+  constexpr std::string_view kDigits = "9038271645";
+  for (std::size_t whole = 0; whole <= 6; ++whole) {
+    for (std::size_t decimals = 0; decimals <= 10; ++decimals) {
+      if (whole + decimals == 0) continue;
+      for (const std::string_view sign : {"", "-", "+"}) {
+        std::string number(sign);
+        number += kDigits.substr(10 - whole);
+        if (decimals > 0 || whole % 2 == 0) number += '.';
+        number += kDigits.substr(0, decimals);
+        for (const char16_t next : {u' ', u',', u'-', u'L', u'.', u'/', u':', u'+', u'\0', u'\u0130', u'\u3030',
+                                    u'\u8039', u'\uFF10', u'\uFF2E'}) {
+          if (next == u'.' && number.find('.') == std::string::npos) continue;
+          SCOPED_TRACE(number + " " + std::to_string(next));
+          const Plain plain = ScanPlain(WideFromNarrow(number) + next + std::u16string(30, u'7'));
+          EXPECT_TRUE(plain.taken);
+          EXPECT_EQ(plain.consumed, number.size());
+          EXPECT_TRUE(SameBits(plain.value, std::strtod(number.c_str(), nullptr)));
+        }
+        for (const char16_t exponent : {u'e', u'E'}) {
+          EXPECT_FALSE(ScanPlain(WideFromNarrow(number) + exponent + std::u16string(30, u'7')).taken) << number;
+        }
+      }
+    }
   }
 }
 

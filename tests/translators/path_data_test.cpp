@@ -301,8 +301,7 @@ TEST_F(PathData, CommandsBehindASmoothCurveKeepTheirMeaning) {
                 "1 1 M 9 5 L 2 2 tp 1 2 3 4 5 6 c 1 2 3 4 sc 5 h 4 4 m 3 3 l");
 }
 
-// Commands of all letters but the arc's, with every way to part their numbers and with letters left out where they
-// repeat.
+// Commands of all letters, with every way to part their numbers and with letters left out where they repeat.
 TEST_F(PathData, RandomCommandsBecomeTheirProgram) {
   struct Command {
     char letter;
@@ -312,7 +311,7 @@ TEST_F(PathData, RandomCommandsBecomeTheirProgram) {
   constexpr Command kCommands[] = {{'L', 2, "L"},  {'l', 2, "l"},  {'H', 1, "H"}, {'h', 1, "h"},  {'V', 1, "V"},
                                    {'v', 1, "v"},  {'C', 6, "C"},  {'c', 6, "c"}, {'S', 4, "Sc"}, {'s', 4, "sc"},
                                    {'T', 2, "Tp"}, {'t', 2, "tp"}, {'Q', 4, "Q"}, {'q', 4, "q"},  {'M', 2, "M"},
-                                   {'m', 2, "m"},  {'z', 0, "Z"}};
+                                   {'m', 2, "m"},  {'A', 7, "A"},  {'a', 7, "a"}, {'z', 0, "Z"}};
   constexpr const char* kFractions[] = {"", "", ".5", ".25", ".125", ".", ".10"};
   std::mt19937 random(1);
   const auto below = [&random](unsigned n) { return static_cast<unsigned>(random()) % n; };
@@ -325,14 +324,19 @@ TEST_F(PathData, RandomCommandsBecomeTheirProgram) {
       // Numbers behind a moveto would be lines, and a letter may be left out only behind a blank.
       const bool leftOut = command.letter == last && command.numbers > 0 && last != 'M' && last != 'm';
       d += leftOut ? " " : std::string(below(2), ' ') + command.letter + std::string(below(2), ' ');
+      const bool arc = command.numbers == 7;
       for (int n = 0; n < command.numbers; ++n) {
-        const bool negative = below(3) == 0;
+        const bool flag = arc && (n == 3 || n == 4);
+        const bool negative = !flag && below(3) == 0;
         const std::string number =
-            (negative ? "-" : "") + std::to_string(below(40)) + kFractions[below(std::size(kFractions))];
+            flag ? std::to_string(below(2))
+                 : (negative ? "-" : "") + std::to_string(below(40)) + kFractions[below(std::size(kFractions))];
         if (n > 0) {
-          // Behind a pair one separator is taken; a "-" needs none.
+          // Behind a pair one separator is taken, and behind the flags of an arc there may be blanks only; a "-" needs
+          // none.
           constexpr const char* kSeparators[] = {" ", ",", ", ", " ,", "  "};
-          d += negative && below(2) == 0 ? "" : kSeparators[below(n % 2 == 1 ? 5 : 2)];
+          const bool withinPair = arc ? n != 2 && n != 5 : n % 2 == 1;
+          d += negative && below(2) == 0 ? "" : kSeparators[below(withinPair ? 5 : arc && n == 5 ? 1 : 2)];
         }
         d += number;
         program += ' ' + number;
