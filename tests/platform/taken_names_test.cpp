@@ -34,7 +34,9 @@ extern "C" ssize_t getrandom(void* to, std::size_t size, unsigned flags) {
   return next(to, size, flags);
 }
 
-extern "C" int unlink(const char* path) noexcept { return standInUnlink ? standInUnlink(path) : UnlinkOfTheSystem(path); }
+extern "C" int unlink(const char* path) noexcept {
+  return standInUnlink ? standInUnlink(path) : UnlinkOfTheSystem(path);
+}
 
 namespace {
 
