@@ -5,7 +5,7 @@ namespace preview {
 std::shared_ptr<cairo_surface_t> ImageOf(const BitmapView& bitmap) {
   const std::size_t pixelCount = std::size_t{bitmap.width} * bitmap.height;
   if (pixelCount == 0 || bitmap.pixels.size() < pixelCount * 4) return nullptr;
-  const std::shared_ptr<cairo_surface_t> image(
+  std::shared_ptr<cairo_surface_t> image(
       cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height)),
       SurfaceDeleter());
   if (cairo_surface_status(image.get()) != CAIRO_STATUS_SUCCESS) return nullptr;

@@ -19,11 +19,11 @@
 // The linker leads the calls of these two functions here (see CMakeLists.txt).
 #define WRAPPED_ROLL_BACK __wrap__Z12RollBackPathv
 #define REAL_ROLL_BACK __real__Z12RollBackPathv
-#define WRAPPED_DOWNLOAD __wrap__Z14DownloadToFileiSt17basic_string_viewIDsSt11char_traitsIDsEERK12HttpTimeouts
+#define WRAPPED_DOWNLOAD __wrap__Z14DownloadToFileiSt17basic_string_viewIDsSt11char_traitsIDsEERK10HttpLimits
 extern "C" {
 void WRAPPED_ROLL_BACK();
 void REAL_ROLL_BACK();
-bool WRAPPED_DOWNLOAD(int file, std::u16string_view url, const HttpTimeouts& timeouts);
+bool WRAPPED_DOWNLOAD(int file, std::u16string_view url, const HttpLimits& limits);
 }
 
 // Gives back what a roll-back drops: the filter leaves it to nobody, which would hide all other leaks.
@@ -36,7 +36,7 @@ void WRAPPED_ROLL_BACK() {
 }
 
 // Takes every server for one that does not answer.
-bool WRAPPED_DOWNLOAD(int, std::u16string_view, const HttpTimeouts&) { return false; }
+bool WRAPPED_DOWNLOAD(int, std::u16string_view, const HttpLimits&) { return false; }
 
 namespace {
 

@@ -18,6 +18,21 @@ void UseDefault(FontManagerLibrary& library) {
 
 bool IsDefault(const DynamicLink<FontManagerSupport>& link) { return !link.object && link.iface; }
 
+// False when the library has no object for this link, or one without an interface.
+bool CreateObject(FontManagerLibrary& library) {
+  DynamicLink<FontManagerSupport>& link = *library.link;
+  link.object = library.create();
+  link.iface = link.object ? link.object->iface : nullptr;
+  return link.iface != nullptr;
+}
+
+void DestroyObject(FontManagerLibrary& library) {
+  DynamicLink<FontManagerSupport>& link = *library.link;
+  if (link.object) library.destroy(link.object);
+  link.object = nullptr;
+  link.iface = nullptr;
+}
+
 // True when the library answered and its font manager is willing.
 bool LinkLibrary(FontManagerLibrary& library) {
   library.handle = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
@@ -27,17 +42,12 @@ bool LinkLibrary(FontManagerLibrary& library) {
   library.create = reinterpret_cast<FontManagerObject* (*)()>(dlsym(library.handle, create.c_str()));
   library.destroy = reinterpret_cast<void (*)(FontManagerObject*)>(dlsym(library.handle, destroy.c_str()));
   if (library.create && library.destroy) {
-    DynamicLink<FontManagerSupport>& link = *library.link;
-    link.object = library.create();
-    link.iface = link.object ? link.object->iface : nullptr;
-    if (link.iface && link.object->Accept(1) != 0) {
+    if (CreateObject(library) && library.link->object->Accept(1) != 0) {
       ++library.count;
-      link.loaded = 1;
+      library.link->loaded = 1;
       return true;
     }
-    library.destroy(link.object);
-    link.object = nullptr;
-    link.iface = nullptr;
+    DestroyObject(library);
   }
   dlclose(library.handle);
   library.handle = nullptr;
@@ -52,9 +62,12 @@ void LinkFontManager(FontManagerLibrary& library) {
   if (library.link) return;
   library.link = new DynamicLink<FontManagerSupport>;
   if (library.create) {
-    ++library.count;
-    library.link->object = library.create();
-    library.link->iface = library.link->object->iface;
+    if (CreateObject(library)) {
+      ++library.count;
+    } else {
+      DestroyObject(library);
+      UseDefault(library);
+    }
   } else if (library.count != 0 || !LinkLibrary(library)) {
     UseDefault(library);
   }
@@ -69,10 +82,10 @@ void UnlinkFontManager(FontManagerLibrary& library) {
   const bool isDefault = IsDefault(*link);
   if (!isDefault && link->iface) link->iface->Operation4(0);
   if (library.count > 0) {
-    if (library.destroy) {
-      library.destroy(link->object);
-    } else if (isDefault) {
+    if (isDefault) {
       delete static_cast<FontManagerSupportDefault*>(link->iface);
+    } else if (library.destroy) {
+      library.destroy(link->object);
     }
     if (--library.count == 0 && library.create) {
       dlclose(library.handle);

@@ -20,9 +20,9 @@ std::uint64_t LengthOf(std::string_view text) {
 
 }  // namespace
 
-bool DownloadToFile(int file, std::u16string_view url, const HttpTimeouts& timeouts) {
+bool DownloadToFile(int file, std::u16string_view url, const HttpLimits& limits) {
   HttpFetch fetch;
-  if (!fetch.ParseUrl(url) || !fetch.Open(timeouts)) return false;
+  if (!fetch.ParseUrl(url) || !fetch.Open(limits)) return false;
   std::int32_t status = 0;
   if (!fetch.QueryStatus(&status) || status < 200 || status > 299) return true;
   const std::uint64_t length = LengthOf(fetch.QueryContentLength());

@@ -151,7 +151,7 @@ struct HttpFetch::Transfer {
       if (done || enough()) return true;
       const auto now = Clock::now();
       if (progress != progressBefore) lastProgress = now;
-      const auto left = lastProgress + milliseconds(timeouts.stallMilliseconds) - now;
+      const auto left = lastProgress + milliseconds(limits.stallMilliseconds) - now;
       if (left <= Clock::duration::zero()) return false;
       const auto wait = std::chrono::ceil<milliseconds>(left).count();
       if (curl.multiPoll(multi, nullptr, 0, static_cast<int>(wait), nullptr) != CURLM_OK) return false;
@@ -193,7 +193,7 @@ struct HttpFetch::Transfer {
 
   CurlLibrary curl;
   std::string url;
-  HttpTimeouts timeouts;
+  HttpLimits limits;
   CURL* easy = nullptr;
   CURLM* multi = nullptr;
   std::int32_t status = 0;
@@ -237,11 +237,11 @@ bool HttpFetch::ParseUrl(std::u16string_view url) {
   return parsed;
 }
 
-bool HttpFetch::Open(const HttpTimeouts& timeouts) {
+bool HttpFetch::Open(const HttpLimits& limits) {
   if (transfer_ == nullptr || transfer_->url.empty() || transfer_->easy != nullptr) return false;
   Transfer& transfer = *transfer_;
   CurlLibrary& curl = transfer.curl;
-  transfer.timeouts = timeouts;
+  transfer.limits = limits;
   transfer.easy = curl.easyInit();
   transfer.multi = curl.multiInit();
   if (transfer.easy == nullptr || transfer.multi == nullptr) return false;
@@ -252,8 +252,8 @@ bool HttpFetch::Open(const HttpTimeouts& timeouts) {
   const bool ready = set(CURLOPT_URL, transfer.url.c_str()) && set(CURLOPT_PROTOCOLS_STR, kProtocols) &&
                      set(CURLOPT_REDIR_PROTOCOLS_STR, kProtocols) && set(CURLOPT_FOLLOWLOCATION, 1L) &&
                      set(CURLOPT_MAXREDIRS, static_cast<long>(kMaximumRedirects)) &&
-                     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeouts.connectMilliseconds)) &&
-                     set(CURLOPT_TIMEOUT_MS, static_cast<long>(timeouts.wholeMilliseconds)) &&
+                     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connectMilliseconds)) &&
+                     set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits.wholeMilliseconds)) &&
                      set(CURLOPT_USERAGENT, kUserAgent) && set(CURLOPT_HEADERFUNCTION, &Transfer::OnHeader) &&
                      set(CURLOPT_HEADERDATA, &transfer) && set(CURLOPT_WRITEFUNCTION, &Transfer::OnBody) &&
                      set(CURLOPT_WRITEDATA, &transfer) &&
@@ -287,7 +287,10 @@ std::ptrdiff_t HttpFetch::Read(char* block, std::size_t size) {
   std::memcpy(block, transfer.bodyNext, count);
   transfer.bodyNext += count;
   transfer.bodyBytes += static_cast<std::int64_t>(count);
-  if (transfer.bodyBytes > kMaximumBodyBytes) return -1;
+  if (transfer.bodyBytes > transfer.limits.bodyBytes) {
+    transfer.Fail();
+    return -1;
+  }
   return static_cast<std::ptrdiff_t>(count);
 }
 

@@ -19,10 +19,11 @@ inline constexpr std::int32_t kMaximumRedirects = 5;
 // No pattern tile is this large; a server that sends without end must not fill the disk.
 inline constexpr std::int64_t kMaximumBodyBytes = std::int64_t{1} << 30;
 
-struct HttpTimeouts {
+struct HttpLimits {
   std::int32_t connectMilliseconds = kConnectTimeoutMilliseconds;
   std::int32_t stallMilliseconds = kStallTimeoutMilliseconds;  // the longest time without a byte
   std::int32_t wholeMilliseconds = kWholeTimeoutMilliseconds;  // from the opening to the last byte
+  std::int64_t bodyBytes = kMaximumBodyBytes;
 };
 
 class HttpFetch {
@@ -39,7 +40,7 @@ class HttpFetch {
   // Starts the transfer and waits for the head of the response, behind any redirects. False when none came: no
   // connection, no answer in time, too many redirects or one to another protocol. A status that tells of an error is a
   // success here.
-  bool Open(const HttpTimeouts& timeouts = {});
+  bool Open(const HttpLimits& limits = {});
 
   // The status of the response, 100 to 999. False when there is none.
   bool QueryStatus(std::int32_t* status) const;
@@ -48,7 +49,7 @@ class HttpFetch {
   std::string_view QueryContentLength() const;
 
   // Reads up to `size` bytes of the body. Returns their number, 0 at the end of the body, or -1 when the transfer
-  // failed, took too long, or the body ended before its stated length.
+  // failed, took too long, the body ended before its stated length, or these bytes go beyond the limit.
   std::ptrdiff_t Read(char* block, std::size_t size);
 
   // Ends the transfer, however far it came, and with it every connection and thread that it had. Harmless if not open.

@@ -139,6 +139,15 @@ std::string FirstDifference(const std::vector<std::string>& expected, const std:
   return "";
 }
 
+// Runs the command and gives what it prints. Returns 0 if it ended well.
+int Shell(const std::string& command, std::string* printed) {
+  FILE* const run = popen(command.c_str(), "r");
+  if (run == nullptr) return -1;
+  char part[4096];
+  for (std::size_t size; (size = std::fread(part, 1, sizeof part, run)) > 0;) printed->append(part, size);
+  return pclose(run);
+}
+
 class Example : public ToolTest, public testing::WithParamInterface<std::string> {};
 
 TEST_P(Example, DumpsTheExpectedStream) {
@@ -156,6 +165,16 @@ INSTANTIATE_TEST_SUITE_P(Drawings, Example, testing::ValuesIn(ExamplesWith(".svg
 TEST(Examples, EveryDrawingHasItsDumpAndEveryDumpItsDrawing) {
   EXPECT_FALSE(ExamplesWith(".svg").empty());
   EXPECT_EQ(ExamplesWith(".svg"), ExamplesWith(".jsonl"));
+}
+
+// The comparison above leaves room for the last digit of a number, which no change of the program's speed may touch.
+TEST(Examples, EveryStreamIsTheSameToTheBit) {
+#ifndef __x86_64__
+  GTEST_SKIP() << "on another processor the C library may round a sine otherwise";
+#endif
+  std::string differences;
+  EXPECT_EQ(Shell("'" SVGIMPORT_SOURCE_DIR "/script/digests' '" SVGIMPORT_BIN_DIR "' 2>&1", &differences), 0)
+      << differences;
 }
 
 // The comparison itself has to see what it is there for.
@@ -204,12 +223,8 @@ TEST_P(Conformance, AllCasesOfTheSetAreEqual) {
   if (GetParam().empty()) GTEST_SKIP() << "there are no conformance cases beside the checkout";
   const std::string command =
       "python3 '" + ConformanceFolder() + "/check.py' --bin '" SVGIMPORT_BIN_DIR "' '" + GetParam() + "' 2>&1";
-  FILE* const check = popen(command.c_str(), "r");
-  ASSERT_NE(check, nullptr);
   std::string report;
-  char part[4096];
-  for (std::size_t size; (size = std::fread(part, 1, sizeof part, check)) > 0;) report.append(part, size);
-  EXPECT_EQ(pclose(check), 0) << report;
+  EXPECT_EQ(Shell(command, &report), 0) << report;
 }
 
 INSTANTIATE_TEST_SUITE_P(Sets, Conformance, testing::ValuesIn(ConformanceSets()), TestName);

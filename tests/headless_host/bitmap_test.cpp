@@ -125,6 +125,7 @@ TEST_F(HostBitmapTest, AFailedCreateLeavesTheBitmapUsable) {
 }
 
 TEST_F(HostBitmapTest, TheLongestSideAllowedIsDecodedAndOneMoreIsNot) {
+  static_assert(kMaxBitmapSide == 16'384);
   EXPECT_TRUE(CreateFrom(PngOfOneColour(kMaxBitmapSide - 1, 1, {1, 1, 1, 1})));
   EXPECT_TRUE(CreateFrom(PngOfOneColour(kMaxBitmapSide, 1, {1, 1, 1, 1})));
   EXPECT_FALSE(CreateFrom(PngOfOneColour(kMaxBitmapSide + 1, 1, {1, 1, 1, 1})));
@@ -157,6 +158,7 @@ TEST_F(HostBitmapTest, AJpegThatClaimsMorePixelsThanAllowedIsRefused) {
 }
 
 TEST_F(HostBitmapTest, AFileLongerThanTheLimitIsRefused) {
+  static_assert(kMaxImageFileBytes == 268'435'456);
   ASSERT_TRUE(WriteBytes(folder.File("image"), PngOfOneColour(1, 1, {1, 2, 3, 4})));
   ASSERT_EQ(truncate(folder.File("image").c_str(), static_cast<off_t>(kMaxImageFileBytes) + 1), 0);
   EXPECT_FALSE(Create(headless::TextFromUtf8(folder.File("image"))));

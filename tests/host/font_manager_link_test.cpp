@@ -157,6 +157,17 @@ TEST_F(FontManagerLink, DoesNotAskAnObjectWithoutAnInterface) {
   UnlinkFontManager(library_);
 }
 
+TEST_F(FontManagerLink, TakesTheDefaultWhenTheLibraryHasNoObject) {
+  SharedObject service(kService);
+  Listen(service).hasObject = false;
+  LinkFontManager(library_);
+  EXPECT_EQ(Calls(), Lines{"create"} + kBusy);
+  ExpectDefault();
+  service.Unload();
+  EXPECT_FALSE(ServiceIsLoaded());
+  UnlinkFontManager(library_);
+}
+
 TEST_F(FontManagerLink, TakesTheDefaultWhenTheExportsAreMissing) {
   for (const char* path : {kUnnamedService, kEmptyService}) {
     SCOPED_TRACE(path);
@@ -195,6 +206,34 @@ TEST_F(FontManagerLink, ASecondLinkGetsAnObjectOfItsOwnUnasked) {
   EXPECT_EQ(Calls(), (Lines{"operation4", "destroy"}));
   service.Unload();
   EXPECT_FALSE(ServiceIsLoaded());
+}
+
+TEST_F(FontManagerLink, ASecondLinkTakesTheDefaultWhenTheLibraryHasNoUsableObject) {
+  for (const bool hasObject : {false, true}) {
+    SCOPED_TRACE(hasObject);
+    SharedObject service(kService);
+    FontServiceState& state = Listen(service);
+    LinkFontManager(library_);
+    DynamicLink<FontManagerSupport>* const first = std::exchange(library_.link, nullptr);
+    Calls();
+    state.hasObject = hasObject;
+    state.hasInterface = false;
+    LinkFontManager(library_);
+    EXPECT_EQ(Calls(), (hasObject ? Lines{"create", "destroy"} : Lines{"create"}) + kBusy);
+    EXPECT_EQ(library_.link->loaded, 0u);
+    EXPECT_EQ(library_.link->object, nullptr);
+    EXPECT_NE(dynamic_cast<FontManagerSupportDefault*>(library_.link->iface), nullptr);
+    EXPECT_EQ(library_.count, 2);
+
+    UnlinkFontManager(library_);
+    EXPECT_EQ(Calls(), Lines());
+    EXPECT_EQ(library_.count, 1);
+    library_.link = first;
+    UnlinkFontManager(library_);
+    EXPECT_EQ(Calls(), (Lines{"operation4", "destroy"}));
+    service.Unload();
+    EXPECT_FALSE(ServiceIsLoaded());
+  }
 }
 
 TEST_F(FontManagerLink, BehindAFailedAttemptTheLibraryIsNotTriedAgain) {

@@ -81,6 +81,7 @@ TEST_F(Expansion, WorkWithinDefinitionsEndsAtTheLimit) {
   // A clip of 100 shapes for each of 100. Once the limit is reached no clip is found any more.
   const std::string clip = Definition("clipPath", "c", Repeated("<ellipse/>", 100));
   ASSERT_EQ(Check(Document("<defs>" + clip + "</defs>" + Repeated("<g clip-path='url(#c)'/>", 100))), 1);
+  static_assert(kMaxDefinitionWork == 10'000'000);
   run.definitionGuard.work = kMaxDefinitionWork - 1;
   std::size_t groups = 0;
   while (true) {
@@ -171,6 +172,8 @@ TEST_F(Expansion, SamplesOfAllQuadraticsEndAtTheLimit) {
   StartMachine();
   Feed("0 0 M");
   Drain();
+  static_assert(kMaxImportSamples == 10'000'000);
+  EXPECT_EQ(run.path.samplesLeft, kMaxImportSamples);
   run.path.samplesLeft = 150;
   // 1000 units long, in steps of 10.
   Feed("0 500 0 1000 Q");

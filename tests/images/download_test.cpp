@@ -23,10 +23,10 @@ class Download : public testing::Test {
   }
   ~Download() override { close(file_); }
 
-  bool Fetch(std::u16string_view url, const HttpTimeouts& timeouts = {}) {
+  bool Fetch(std::u16string_view url, const HttpLimits& limits = {}) {
     EXPECT_EQ(ftruncate(file_, 0), 0);
     EXPECT_EQ(lseek(file_, 0, SEEK_SET), 0);
-    return DownloadToFile(file_, url, timeouts);
+    return DownloadToFile(file_, url, limits);
   }
   bool FetchFrom(const LoopbackServer& server) { return Fetch(server.Url("/tile.png")); }
 
@@ -80,6 +80,17 @@ TEST_F(Download, ABodyShorterThanItsLengthIsAFailureThatKeepsWhatCame) {
   LoopbackServer server([](const std::string&) { return Reply("200 OK", "Content-Length: 100\r\n", "short"); });
   EXPECT_FALSE(FetchFrom(server));
   EXPECT_EQ(Content(), "short");
+}
+
+TEST_F(Download, ABodyBeyondTheLimitIsAFailureThatKeepsWhatCame) {
+  std::string sent;
+  for (int i = 0; sent.size() < 100'000; ++i) sent += std::to_string(i) + ",";
+  LoopbackServer server([&](const std::string&) { return ReplyWithLength("200 OK", sent); });
+  EXPECT_FALSE(Fetch(server.Url("/tile.png"), {.bodyBytes = 50'000}));
+  const std::string content = Content();
+  EXPECT_EQ(content, sent.substr(0, content.size()));
+  EXPECT_LE(content.size(), 50'000u);
+  EXPECT_GT(content.size(), 50'000u - 4096);
 }
 
 TEST_F(Download, ABodyWithoutALengthIsWrittenAndAFailure) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/support/loopback_server.h"
 
@@ -42,7 +43,49 @@ bool ThreadCountBecomes(std::size_t count) {
   return ThreadCount() == count;
 }
 
-constexpr HttpTimeouts kImpatient = {2000, 500, 5000};
+constexpr HttpLimits kImpatient = {2000, 500, 5000};
+
+// A port of the loopback that listens and has no room for a further connection, so that one is neither taken nor
+// refused.
+class FullPort {
+ public:
+  FullPort() : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const auto name = reinterpret_cast<sockaddr*>(&address);
+    socklen_t length = sizeof address;
+    bind(listener_, name, length);
+    listen(listener_, 0);
+    getsockname(listener_, name, &length);
+    port_ = ntohs(address.sin_port);
+    while (!isFull_ && waiting_.size() < 100) {
+      const int connection = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+      waiting_.push_back(connection);
+      connect(connection, name, length);
+      pollfd entry = {connection, POLLOUT, 0};
+      isFull_ = poll(&entry, 1, 50) == 0;
+    }
+  }
+  ~FullPort() {
+    for (const int connection : waiting_) close(connection);
+    close(listener_);
+  }
+  FullPort(const FullPort&) = delete;
+  FullPort& operator=(const FullPort&) = delete;
+
+  bool IsFull() const { return isFull_; }
+  std::u16string Url() const {
+    const std::string url = "http://127.0.0.1:" + std::to_string(port_) + "/";
+    return std::u16string(url.begin(), url.end());
+  }
+
+ private:
+  int listener_;
+  int port_ = 0;
+  bool isFull_ = false;
+  std::vector<int> waiting_;
+};
 
 }  // namespace
 
@@ -287,6 +330,25 @@ TEST(HttpFetch, AnAnswerThatIsNotHttpFails) {
   EXPECT_FALSE(fetch.Open());
 }
 
+TEST(HttpFetch, UnlessItIsToldOtherwiseAFetchHasTheseLimits) {
+  const HttpLimits limits;
+  EXPECT_EQ(limits.connectMilliseconds, 10'000);
+  EXPECT_EQ(limits.stallMilliseconds, 20'000);
+  EXPECT_EQ(limits.wholeMilliseconds, 300'000);
+  EXPECT_EQ(limits.bodyBytes, 1'073'741'824);
+}
+
+TEST(HttpFetch, AServerThatDoesNotTakeTheConnectionIsGivenUp) {
+  const FullPort port;
+  ASSERT_TRUE(port.IsFull());
+  HttpFetch fetch;
+  ASSERT_TRUE(fetch.ParseUrl(port.Url()));
+  const auto start = Clock::now();
+  EXPECT_FALSE(fetch.Open({100, 60'000, 60'000}));  // no other limit ends it as soon
+  EXPECT_GE(SecondsSince(start), 0.09);
+  EXPECT_LT(SecondsSince(start), 30.0);
+}
+
 TEST(HttpFetch, AServerThatNeverAnswersIsGivenUp) {
   LoopbackServer server([](const std::string&) {
     LoopbackServer::Response response;
@@ -334,6 +396,39 @@ TEST(HttpFetch, AServerThatTricklesDoesNotStallButIsGivenUpInTheEnd) {
   EXPECT_EQ(ReadAll(fetch, &body), -1);
   EXPECT_FALSE(body.empty());
   EXPECT_LT(SecondsSince(start), 4.0);
+}
+
+TEST(HttpFetch, ABodyOfTheLargestSizeComesWholeAndALargerOneFails) {
+  const std::string sent(100'000, 'b');
+  LoopbackServer server([&](const std::string&) { return ReplyWithLength("200 OK", sent); });
+  for (const std::int64_t limit : {100'000, 99'999}) {
+    HttpFetch fetch;
+    ASSERT_TRUE(fetch.ParseUrl(server.Url("/")));
+    ASSERT_TRUE(fetch.Open({2000, 20'000, 20'000, limit}));
+    std::string body;
+    EXPECT_EQ(ReadAll(fetch, &body), limit == 100'000 ? 0 : -1);
+    EXPECT_EQ(body.size() == sent.size(), limit == 100'000);
+    char byte;
+    EXPECT_EQ(fetch.Read(&byte, 1), limit == 100'000 ? 0 : -1);
+  }
+}
+
+// A server may say what it likes, and send without end.
+TEST(HttpFetch, OfABodyWithoutEndNoMoreThanTheLimitIsRead) {
+  const std::string begun(100'000, 'b');
+  LoopbackServer server([&](const std::string&) {
+    LoopbackServer::Response response = Reply("200 OK", "Content-Length: 1000000000000\r\n", begun);
+    response.keepsOpen = true;
+    return response;
+  });
+  HttpFetch fetch;
+  ASSERT_TRUE(fetch.ParseUrl(server.Url("/")));
+  ASSERT_TRUE(fetch.Open({2000, 20'000, 20'000, 50'000}));
+  EXPECT_EQ(fetch.QueryContentLength(), "1000000000000");
+  std::string body;
+  EXPECT_EQ(ReadAll(fetch, &body), -1);
+  EXPECT_LE(body.size(), 50'000u);
+  EXPECT_GT(body.size(), 50'000u - 4096);
 }
 
 TEST(HttpFetch, SendsTheBytesThatTheDocumentHad) {

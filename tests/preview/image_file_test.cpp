@@ -128,6 +128,13 @@ TEST_F(ImageFiles, AnAbsurdPageIsRefusedWithItsSize) {
   EXPECT_EQ(failure, "");
 }
 
+TEST_F(ImageFiles, TheLongestSideIsDrawnAndOnePixelMoreIsRefused) {
+  EXPECT_EQ(WritePng({.width = 32767.0, .page = Page(32767.0, 1.0)}), (Size{32767, 1}));
+  Write({.width = 32768.0, .page = Page(32768.0, 1.0)});
+  EXPECT_NE(failure.find("32768 by 1 pixels"), std::string::npos) << failure;
+  EXPECT_NE(failure.find("longer than 32767"), std::string::npos) << failure;
+}
+
 TEST_F(ImageFiles, APdfKeepsTheSizeOfThePageInPoints) {
   const std::string bytes = Write({.format = ImageFormat::kPdf, .dpi = 300.0, .page = Page(2.54, 5.08)});
   EXPECT_EQ(failure, "");

@@ -321,6 +321,7 @@ TEST_F(TextElement, WhatACutNameLeftShowsBehindALongerName) {
 }
 
 TEST_F(TextElement, FontNamesAreKeptToTheRoomOfTheirBuffer) {
+  static_assert(kMaxFontNameUnits == 531);
   for (const std::size_t units : {kMaxFontNameUnits - 1, kMaxFontNameUnits, kMaxFontNameUnits + 1}) {
     SCOPED_TRACE(units);
     const std::size_t kept = units < kMaxFontNameUnits ? units : kMaxFontNameUnits;

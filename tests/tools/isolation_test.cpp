@@ -59,6 +59,18 @@ TEST_F(Isolation, TheRecordsBeforeACrashStayInAFileToo) {
   EXPECT_EQ(ReadText(folder.File("out.jsonl")), kOneRecord);
 }
 
+TEST_F(Isolation, UnlessTheyAreToldOtherwiseTheToolsHaveTheseLimits) {
+  const auto limitsOf = [&](const std::string& command) {
+    std::string limits;
+    for (const std::string& line : Run("svgimport", {command, "--help"}).LinesWith("-limit "))
+      limits += line.substr(0, line.find(' ', line.find('='))) + "\n";
+    return limits;
+  };
+  EXPECT_EQ(limitsOf("dump"), "  --time-limit SECONDS=300\n  --memory-limit MB=8192\n");
+  EXPECT_EQ(limitsOf("render"), limitsOf("dump"));
+  EXPECT_EQ(limitsOf("batch"), "  --time-limit SECONDS=60\n  --memory-limit MB=8192\n");
+}
+
 TEST_F(Isolation, AnImportThatTakesTooLongIsEnded) {
   const ToolResult result = DumpNamed("hang.svg", {"--time-limit", "0.3"});
   EXPECT_EQ(result.status, 3);

@@ -171,6 +171,7 @@ TEST_F(HostileShapes, AThousandArcsAreAThousandRecords) {
 // --- Curves
 
 TEST_F(HostileShapes, AQuadraticOfAnyLengthHasABoundOfSamples) {
+  static_assert(kMaxQuadraticSamples == 1'000'000);
   // The step of 10 units vanishes against the parameter from a length of about 1e17 on.
   for (const char* d : {"M1 1Q1e300 2 3 1e300", "M1 1Q1e999 2 3 4"}) {
     Load("<path d='" + std::string(d) + "'/>");

@@ -74,7 +74,7 @@ class PartFile {
 std::string WritePicture(const ImportedDocument& document, preview::StreamDrawer& drawer, const std::string& name) {
   PartFile picture;
   if (!picture.Open(name)) return std::strerror(errno);
-  const std::string failure = WriteDocumentImage(document, drawer, {}, picture.Stream());
+  std::string failure = WriteDocumentImage(document, drawer, {}, picture.Stream());
   if (!failure.empty()) return failure;
   return picture.Finish() ? std::string() : std::strerror(errno);
 }
@@ -87,6 +87,15 @@ void WriteCounts(JsonWriter& writer, const char* name, const std::map<std::strin
     writer.Uint64(count);
   }
   writer.EndObject();
+}
+
+// What WriteCounts wrote under this name; empty when it is not there.
+std::map<std::string, std::uint64_t> ReadCounts(const rapidjson::Document& answer, const char* name) {
+  std::map<std::string, std::uint64_t> counts;
+  const auto member = answer.FindMember(name);
+  if (member == answer.MemberEnd()) return counts;
+  for (const auto& count : member->value.GetObject()) counts[count.name.GetString()] = count.value.GetUint64();
+  return counts;
 }
 
 }  // namespace
@@ -201,14 +210,11 @@ BatchResult BatchJob::TakeResult() {
     rapidjson::Document answer;
     answer.Parse(answer_.Text().c_str());
     if (!answer.HasParseError()) {
-      result_.reason = answer["reason"].GetString();
-      for (const auto& command : answer["commands"].GetObject()) {
-        result_.commands[command.name.GetString()] = command.value.GetUint64();
-        result_.records += command.value.GetUint64();
-      }
-      for (const auto& loss : answer["losses"].GetObject()) {
-        result_.losses[loss.name.GetString()] = loss.value.GetUint64();
-      }
+      const auto reason = answer.FindMember("reason");
+      if (reason != answer.MemberEnd()) result_.reason = reason->value.GetString();
+      result_.commands = ReadCounts(answer, "commands");
+      for (const auto& [name, count] : result_.commands) result_.records += count;
+      result_.losses = ReadCounts(answer, "losses");
     }
     if (!child_.Failure().empty()) {
       result_.reason = "the import was ended: " + child_.Failure();

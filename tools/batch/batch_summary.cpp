@@ -28,6 +28,7 @@ unsigned long long Printable(std::uint64_t number) { return number; }
 void PrintMostFrequent(std::FILE* out, const char* title, const std::map<std::string, std::uint64_t>& counts) {
   if (counts.empty()) return;
   std::vector<std::pair<std::uint64_t, std::string>> sorted;
+  sorted.reserve(counts.size());
   for (const auto& [name, count] : counts) sorted.emplace_back(count, name);
   std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
   if (sorted.size() > kShownCounts) sorted.resize(kShownCounts);

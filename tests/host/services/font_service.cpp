@@ -69,7 +69,7 @@ class Object final : public FontManagerObject {
 extern "C" FontManagerObject* FontServiceCreatexxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx();
 FontManagerObject* FontServiceCreatexxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx() {
   Note("create");
-  return new Object;
+  return fontServiceState.hasObject ? new Object : nullptr;
 }
 
 extern "C" void FontServiceDestroyxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx(FontManagerObject* object);
