@@ -10,6 +10,7 @@
 #include "platform/narrow_text.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
+#include "run/plain_number.h"
 #include "text/paragraph.h"
 #include "translators/element_dispatch.h"
 #include "translators/shapes.h"
@@ -81,9 +82,9 @@ void ApplyTextAttribute(IXMLDOMNode* node, std::u16string_view name, bool forceW
 // 0.0, with the unit left alone, when the attribute is empty.
 double ReadLength(std::u16string_view value, UnitCode* unit) {
   if (value.empty()) return 0.0;
-  const char16_t* rest = value.data();
+  const char16_t* const end = value.data() + value.size();
   double plain;
-  if (ScanPlainDouble(rest, value.data() + value.size(), &plain) && rest == value.data() + value.size()) {
+  if (ScanPlainDouble(value.data(), end, &plain) == end) {
     *unit = kNoUnit;
     return plain;
   }
