@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 #ifdef __SSE2__
@@ -165,11 +166,11 @@ class Preparation {
   }
 
   bool CopyMarkup() {
+    if (end_ - in_ < 2 || (in_[1] != u'!' && in_[1] != u'?')) return CopyTag();
     if (StartsWith(u"<!--")) return CopyThrough(4, u"-->");
     if (StartsWith(u"<![CDATA[")) return CopyThrough(9, u"]]>");
     if (StartsWith(u"<?")) return CopyThrough(2, u"?>");
-    if (StartsWith(u"<!")) return Refuse(u"A document type declaration is not allowed.");
-    return CopyTag();
+    return Refuse(u"A document type declaration is not allowed.");
   }
 
   // Copies an opener of so many units and all up to and including `closer`, which ends in '>'.
@@ -248,14 +249,26 @@ class Preparation {
       const char16_t next = c[1];
       if (next != u' ' && next != u'>' && next != u'/' && !IsBreak(next)) return true;
 
-      XmlName* known = tree_.names.Find(nameText);
-      if (known == nullptr) known = tree_.names.Add(tree_.arena, nameText, 0);
+      XmlName* const known = KnownName(nameText);
       if (known->lastTag == tagNumber_) return Refuse(u"An attribute stands twice in a tag.");
       known->lastTag = tagNumber_;
       plain_.push_back({known, {value, static_cast<std::size_t>(c - value)}, hasReturns});
       if (TooManyAttributes(others)) return false;
       in_ = c + 1;
     }
+  }
+
+  // The name of this text. Nearly all attributes have one of a few names, which are found by their ends and length.
+  XmlName* KnownName(std::u16string_view text) {
+    XmlName*& recent = recent_[(text.front() + 4 * text.back() + 32 * text.size()) % std::size(recent_)];
+    const std::size_t bytes = text.size() * sizeof(char16_t);
+    if (recent != nullptr && recent->full.size() == text.size() &&
+        std::memcmp(recent->full.data(), text.data(), bytes) == 0) {
+      return recent;
+    }
+    recent = tree_.names.Find(text);
+    if (recent == nullptr) recent = tree_.names.Add(tree_.arena, text, 0);
+    return recent;
   }
 
   // Refuses more attributes than an element may have, when so many are not plain.
@@ -463,6 +476,7 @@ class Preparation {
   XmlTree& tree_;
   std::vector<PlainAttribute> plain_;  // of the tag at hand
   std::uint32_t tagNumber_ = 0;
+  XmlName* recent_[128] = {};
   const char16_t* in_;
   const char16_t* end_;
   char* out_ = nullptr;
