@@ -1,8 +1,14 @@
 #include "platform/xml_names.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
+
+// A view of a plain literal would find out its length at run time.
+using namespace std::string_view_literals;
+
+constexpr std::u16string_view kDeclarationStart = u"xmlns:"sv;
 
 // More than most documents have names.
 constexpr std::size_t kFirstSlots = 128;
@@ -31,7 +37,21 @@ XmlName* XmlNames::Add(XmlArena& arena, std::u16string_view full, std::uint32_t 
   const std::uint32_t hash = Hash(full);
   slots_[FreePlace(hash)] = {hash, name};
   ++count_;
+  if (localOffset != 0 && !full.starts_with(kDeclarationStart)) {
+    name->declaration = Declaration(arena, full.substr(0, localOffset - 1));
+  }
   return name;
+}
+
+XmlName* XmlNames::Declaration(XmlArena& arena, std::u16string_view prefix) {
+  char16_t* const text = arena.TextRoom(kDeclarationStart.size() + prefix.size());
+  std::copy(prefix.begin(), prefix.end(), std::copy(kDeclarationStart.begin(), kDeclarationStart.end(), text));
+  arena.LengthenText(kDeclarationStart.size() + prefix.size());
+  if (XmlName* const known = Find(arena.OpenText())) {
+    arena.DropText();
+    return known;
+  }
+  return Add(arena, arena.CloseText(), static_cast<std::uint32_t>(kDeclarationStart.size()));
 }
 
 void XmlNames::Clear() {

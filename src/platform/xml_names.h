@@ -14,7 +14,11 @@ struct XmlName {
   XmlTree* tree;
   std::u16string_view full;
   std::uint32_t localOffset = 0;
-  std::uint32_t lastTag = 0;  // the last start tag, counted from 1, that set an attribute of this name aside
+  std::uint32_t lastTag = 0;       // the last start tag, counted from 1, that set an attribute of this name aside
+  XmlName* declaration = nullptr;  // for a name with the prefix p, that of the attribute xmlns:p
+  std::u16string_view uri = {};    // for a declaration, what it says where the load is; empty where there is none
+
+  std::u16string_view Local() const { return full.substr(localOffset); }
 };
 
 class XmlNames {
@@ -37,6 +41,7 @@ class XmlNames {
 
   std::uint32_t Hash(std::u16string_view text) const;
   std::size_t FreePlace(std::uint32_t hash) const;
+  XmlName* Declaration(XmlArena& arena, std::u16string_view prefix);
 
   XmlTree* tree_;
   std::vector<Slot> slots_;  // a power of two, at most half full

@@ -59,7 +59,7 @@ std::string_view View(const xmlChar* text) { return text == nullptr ? std::strin
 class LibraryNames {
  public:
   // The name of these two dictionary texts; a null prefix is none.
-  const XmlName* Find(XmlTree& tree, const xmlChar* prefix, const xmlChar* localName) {
+  XmlName* Find(XmlTree& tree, const xmlChar* prefix, const xmlChar* localName) {
     if (2 * (count_ + 1) > slots_.size()) Rehash();
     Slot* const slot = Place(slots_, prefix, localName);
     if (slot->localName == nullptr) {
@@ -73,10 +73,10 @@ class LibraryNames {
   struct Slot {
     const xmlChar* prefix = nullptr;
     const xmlChar* localName = nullptr;  // null: the slot is free
-    const XmlName* name = nullptr;
+    XmlName* name = nullptr;
   };
 
-  static const XmlName* Intern(XmlTree& tree, std::string_view prefix, std::string_view localName) {
+  static XmlName* Intern(XmlTree& tree, std::string_view prefix, std::string_view localName) {
     char16_t* const start = tree.arena.TextRoom(prefix.size() + 1 + localName.size());
     char16_t* end = start;
     if (!prefix.empty()) {
@@ -86,8 +86,7 @@ class LibraryNames {
     const auto localOffset = static_cast<std::uint32_t>(end - start);
     end = Widen(localName.data(), localName.data() + localName.size(), end);
     tree.arena.LengthenText(static_cast<std::size_t>(end - start));
-    const XmlName* const known = tree.names.Find(tree.arena.OpenText());
-    if (known != nullptr) {
+    if (XmlName* const known = tree.names.Find(tree.arena.OpenText())) {
       tree.arena.DropText();
       return known;
     }
@@ -144,22 +143,30 @@ class TreeBuilder {
     for (int i = 0; i < attributeCount; ++i) {
       const xmlChar** const attribute = attributes + 5 * i;  // local name, prefix, URI, value, end of the value
       const XmlName* const name = names_.Find(tree_, attribute[1], attribute[0]);
-      if (attribute[1] == nullptr && IsPlain(tag, name)) {
+      if (IsPlain(tag, name)) {
         Refuse(XML_ERR_ATTRIBUTE_REDEFINED, u"An attribute stands twice in a tag.");
         return;
       }
-      const std::u16string_view value = StoreValue(Chars(attribute[3]), Chars(attribute[4]));
+      const std::u16string_view value = StoreText({Chars(attribute[3]), Chars(attribute[4])});
       if (name->full == u"xml:space") {
         if (value == u"preserve") preserves = true;
         if (value == u"default") preserves = false;
       }
       new (node++) NamedNode(name, kAttributeNode, value);
     }
+    const std::size_t firstDeclaration = declarations_.size();
     for (int i = 0; i < namespaceCount; ++i) {
       const xmlChar* const prefix = namespaces[2 * i];
-      const XmlName* const name = prefix == nullptr ? names_.Find(tree_, nullptr, parser_->str_xmlns)
-                                                    : names_.Find(tree_, parser_->str_xmlns, prefix);
-      new (node++) NamedNode(name, kAttributeNode, StoreText(View(namespaces[2 * i + 1])));
+      XmlName* const name = prefix == nullptr ? names_.Find(tree_, nullptr, parser_->str_xmlns)
+                                              : names_.Find(tree_, parser_->str_xmlns, prefix);
+      const std::u16string_view uri = StoreText(View(namespaces[2 * i + 1]));
+      new (node++) NamedNode(name, kAttributeNode, uri);
+      declarations_.push_back({name, name->uri});
+      name->uri = uri;
+    }
+    if (tag.prefixed != 0 && !PrefixesAreRight(tag, others)) {
+      Refuse(kFailed, u"The prefix of an attribute is not declared, or two attributes have one name.");
+      return;
     }
     const XmlName* const name = names_.Find(tree_, nullptr, localName);
     const auto count = static_cast<std::int32_t>(tag.plain + others);
@@ -170,7 +177,7 @@ class TreeBuilder {
     } else {
       AddChild(element);
     }
-    open_[depth_++] = {element, children_.size()};
+    open_[depth_++] = {element, children_.size(), firstDeclaration};
   }
 
   void EndElement() {
@@ -178,6 +185,10 @@ class TreeBuilder {
     const OpenElement& closing = open_[--depth_];
     closing.element->blankAtEnd = blank_;
     blank_ = false;
+    while (declarations_.size() != closing.firstDeclaration) {
+      declarations_.back().name->uri = declarations_.back().outerUri;
+      declarations_.pop_back();
+    }
     const std::size_t count = children_.size() - closing.firstChild;
     if (count == 0) return;
     const std::size_t bytes = count * sizeof(TreeNode*);
@@ -232,7 +243,13 @@ class TreeBuilder {
  private:
   struct OpenElement {
     ElementNode* element;
-    std::size_t firstChild;  // of its children in `children_`
+    std::size_t firstChild;        // of its children in `children_`
+    std::size_t firstDeclaration;  // of its own in `declarations_`
+  };
+
+  struct Declaration {
+    XmlName* name;
+    std::u16string_view outerUri;  // what the name stood for around the element
   };
 
   void Refuse(std::int32_t code, std::u16string reason) {
@@ -287,28 +304,28 @@ class TreeBuilder {
     return text_.tags[nextTag_++];
   }
 
+  // The library's checks of names with a prefix, for the plain attributes: the prefix is declared, and no other prefix
+  // of the same namespace makes another attribute's name the same.
+  static bool PrefixesAreRight(const PreparedTag& tag, std::uint32_t others) {
+    const NamedNode* const plainEnd = tag.attributes + tag.plain;
+    for (const NamedNode* node = tag.attributes; node != plainEnd; ++node) {
+      const XmlName& name = *node->Name();
+      if (name.declaration == nullptr) continue;
+      const std::u16string_view uri = name.declaration->uri;
+      if (uri.empty()) return false;
+      for (const NamedNode* next = node + 1; next != plainEnd + others; ++next) {
+        const XmlName& other = *next->Name();
+        if (other.declaration == nullptr || other.declaration == name.declaration) continue;
+        if (other.Local() == name.Local() && other.declaration->uri == uri) return false;
+      }
+    }
+    return true;
+  }
+
   static bool IsPlain(const PreparedTag& tag, const XmlName* name) {
     const NamedNode* const end = tag.attributes + tag.plain;
     return std::any_of(static_cast<const NamedNode*>(tag.attributes), end,
                        [name](const NamedNode& node) { return node.Name() == name; });
-  }
-
-  // Stores an attribute value: what the library saw of it, or the one that was set aside from this place.
-  std::u16string_view StoreValue(const char* value, const char* end) {
-    const std::vector<PlainValue>& values = text_.values;
-    if (value == end && nextValue_ != values.size()) {
-      const auto offset = static_cast<std::size_t>(value - text_.bytes);
-      if (offset < text_.size) {
-        while (nextValue_ != values.size() && values[nextValue_].offset < offset) ++nextValue_;
-      }
-      if (nextValue_ != values.size() && values[nextValue_].offset == offset) return StorePlain(values[nextValue_++]);
-    }
-    return StoreText({value, static_cast<std::size_t>(end - value)});
-  }
-
-  std::u16string_view StorePlain(const PlainValue& value) {
-    const std::u16string_view text = text_.text.substr(value.start, value.length);
-    return value.hasReturns ? tree_.arena.StoreWithoutReturns(text) : text;
   }
 
   const PreparedXml& text_;
@@ -322,7 +339,7 @@ class TreeBuilder {
   std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
   bool blank_ = false;               // white space was dropped since the last child or tag
   std::size_t nextTag_ = 0;
-  std::size_t nextValue_ = 0;
+  std::vector<Declaration> declarations_;  // of all open elements
 };
 
 // Calls the builder from the library, which no exception may pass through.

@@ -28,8 +28,8 @@ constexpr std::size_t kPadding = 8;
 
 constexpr char16_t kByteOrderMark = 0xFEFF;
 
-// The length of a value fits: the whole text is no longer than kMaxDocumentBytes.
-constexpr std::uint32_t kLengthMask = 0x7FFFFFFF;
+// Names with a prefix are compared with one another.
+constexpr std::uint32_t kMostPrefixed = 32;
 
 // Where a run of units stands; each place has its own units at which the run stops.
 enum Place : unsigned char { kContent = 1, kTagBody = 2, kDoubleQuoted = 4, kSingleQuoted = 8, kUpToAngle = 16 };
@@ -148,7 +148,6 @@ class Preparation {
 
   PrepareStatus Run() {
     const std::size_t units = static_cast<std::size_t>(end_ - in_);
-    prepared_.text = {in_, units};
     prepared_.tags.reserve(units / kUnitsPerTag);
     if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
     return status_;
@@ -197,6 +196,7 @@ class Preparation {
     const bool takesPlain = CopyTagName();
     int attributes = 0;  // that the library sees
     plain_.clear();
+    prefixed_ = 0;
     ++tagNumber_;
     for (;;) {
       if (takesPlain && !TakePlainAttributes(attributes)) return false;
@@ -230,6 +230,11 @@ class Preparation {
     return in_ != end_ && (*in_ == u' ' || IsBreak(*in_));
   }
 
+  // Whether an attribute of this name or prefix is for the library and the builder of the tree.
+  static bool IsReserved(std::u16string_view name) {
+    return name.size() >= 3 && name[0] == u'x' && name[1] == u'm' && name[2] == u'l';
+  }
+
   // Sets all attributes aside that stand here in a row and are plain, behind so many that are not.
   bool TakePlainAttributes(int others) {
     for (;;) {
@@ -238,8 +243,16 @@ class Preparation {
       if (name == in_ || name == end_ || !StartsName(*name)) return true;
       const char16_t* c = name + 1;
       while (c != end_ && ContinuesName(*c)) ++c;
+      if (IsReserved({name, static_cast<std::size_t>(c - name)})) return true;
+      std::uint32_t localOffset = 0;
+      if (end_ - c > 1 && *c == u':' && StartsName(c[1])) {
+        if (prefixed_ == kMostPrefixed) return true;
+        c += 2;
+        localOffset = static_cast<std::uint32_t>(c - 1 - name);
+        while (c != end_ && ContinuesName(*c)) ++c;
+      }
+      if (end_ - c < 4 || *c != u'=') return true;
       const std::u16string_view nameText(name, static_cast<std::size_t>(c - name));
-      if (end_ - c < 4 || *c != u'=' || nameText == u"xmlns") return true;
       const char16_t quote = c[1];
       if (quote != u'"' && quote != u'\'') return true;
       const char16_t* const value = c + 2;
@@ -249,9 +262,10 @@ class Preparation {
       const char16_t next = c[1];
       if (next != u' ' && next != u'>' && next != u'/' && !IsBreak(next)) return true;
 
-      XmlName* const known = KnownName(nameText);
+      XmlName* const known = KnownName(nameText, localOffset);
       if (known->lastTag == tagNumber_) return Refuse(u"An attribute stands twice in a tag.");
       known->lastTag = tagNumber_;
+      if (localOffset != 0) ++prefixed_;
       plain_.push_back({known, {value, static_cast<std::size_t>(c - value)}, hasReturns});
       if (TooManyAttributes(others)) return false;
       in_ = c + 1;
@@ -259,7 +273,7 @@ class Preparation {
   }
 
   // The name of this text. Nearly all attributes have one of a few names, which are found by their ends and length.
-  XmlName* KnownName(std::u16string_view text) {
+  XmlName* KnownName(std::u16string_view text, std::uint32_t localOffset) {
     XmlName*& recent = recent_[(text.front() + 4 * text.back() + 32 * text.size()) % std::size(recent_)];
     const std::size_t bytes = text.size() * sizeof(char16_t);
     if (recent != nullptr && recent->full.size() == text.size() &&
@@ -267,7 +281,7 @@ class Preparation {
       return recent;
     }
     recent = tree_.names.Find(text);
-    if (recent == nullptr) recent = tree_.names.Add(tree_.arena, text, 0);
+    if (recent == nullptr) recent = tree_.names.Add(tree_.arena, text, localOffset);
     return recent;
   }
 
@@ -290,23 +304,14 @@ class Preparation {
       new (node++) NamedNode(attribute.name, kAttributeNode, attribute.value);
     }
     const std::size_t end = Written() - (out_[-1] == '/' ? 1 : 0);
-    prepared_.tags.push_back({nodes, static_cast<std::uint32_t>(plain_.size()), static_cast<std::uint32_t>(others),
-                              static_cast<std::uint32_t>(end)});
+    prepared_.tags.push_back({nodes, static_cast<std::uint32_t>(plain_.size()), prefixed_,
+                              static_cast<std::uint32_t>(others), static_cast<std::uint32_t>(end)});
   }
 
-  // Sets the rest of an attribute value behind its first quote aside, or copies it, and copies the last quote.
+  // Copies the rest of an attribute value behind its first quote, and the last quote.
   template <Place place>
   bool CopyValue() {
     constexpr char16_t kQuote = place == kDoubleQuoted ? u'"' : u'\'';
-    bool hasReturns;
-    const char16_t* const c = ValueEnd<place>(in_, &hasReturns);
-    // The library needs the values of namespace declarations, and hands them out without their place in the text.
-    if (c != end_ && *c == kQuote && !InNamespaceDeclaration()) {
-      prepared_.values.push_back({static_cast<std::uint32_t>(in_ - prepared_.text.data()),
-                                  static_cast<std::uint32_t>(c - in_) & kLengthMask, hasReturns,
-                                  static_cast<std::uint32_t>(Written())});
-      in_ = c;
-    }
     for (;;) {
       if (!CopyRun<place>()) return false;
       if (in_ == end_) return true;
@@ -350,16 +355,6 @@ class Preparation {
     if (!Room()) return false;
     out_ = std::copy(reference.begin(), reference.end(), out_);
     return true;
-  }
-
-  // Whether the value that begins here belongs to a name that begins with "xmlns".
-  bool InNamespaceDeclaration() const {
-    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\n'; };
-    const char* position = out_ - 1;  // the quote; a '<' stands in front of it in any case
-    while (isBlank(position[-1]) || position[-1] == '=') --position;
-    const char* const nameEnd = position;
-    while (!isBlank(position[-1]) && position[-1] != '<') --position;
-    return std::string_view(position, static_cast<std::size_t>(nameEnd - position)).starts_with("xmlns");
   }
 
   // Copies up to the next unit at which a run in this place stops, or to the end. Within quotes a unit beyond ASCII is
@@ -475,6 +470,7 @@ class Preparation {
   PreparedXml& prepared_;
   XmlTree& tree_;
   std::vector<PlainAttribute> plain_;  // of the tag at hand
+  std::uint32_t prefixed_ = 0;         // of those
   std::uint32_t tagNumber_ = 0;
   XmlName* recent_[128] = {};
   const char16_t* in_;

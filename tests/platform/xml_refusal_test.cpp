@@ -215,6 +215,42 @@ TEST(XmlRefusal, NamesAgainstTheRulesOfNamespaces) {
   EXPECT_FALSE(Loads(u"<svg xmlns:xmlns='u'/>"));
 }
 
+TEST(XmlRefusal, APrefixIsDeclaredFromItsTagToTheEndOfTheElement) {
+  EXPECT_TRUE(Loads(u"<a xmlns:p='u'><b><c p:x='1'/></b></a>"));
+  EXPECT_TRUE(Loads(u"<a><b xmlns:p='u' p:x='1'/><c/></a>"));
+  EXPECT_FALSE(Loads(u"<a><b xmlns:p='u'/><c p:x='1'/></a>"));
+  EXPECT_FALSE(Loads(u"<a><b xmlns:p='u'></b><c><d p:x='1'/></c></a>"));
+  EXPECT_FALSE(Loads(u"<a p:x='1'><b xmlns:p='u'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u'><b P:x='1'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' p:x:y='1'/>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' p:='1'/>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' p:1='1'/>"));
+}
+
+TEST(XmlRefusal, TwoPrefixesOfOneNamespaceWithTheSameLocalName) {
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' xmlns:q='u'><b p:x='1' q:x='2'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' xmlns:q='u'><b p:x='1' q:x='&#50;'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' xmlns:q='u'><b p:x='&#50;' q:x='1'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' xmlns:q='&#117;'><b p:x='1' q:x='2'/></a>"));
+  EXPECT_FALSE(Loads(u"<a xmlns:p='u' xmlns:q='v'><b xmlns:q='u' p:x='1' q:x='2'/></a>"));
+  EXPECT_TRUE(Loads(u"<a xmlns:p='u' xmlns:q='v'><b xmlns:q='u'/><c p:x='1' q:x='2'/></a>"));
+  EXPECT_TRUE(Loads(u"<a xmlns:p='u' xmlns:q='u'><b p:x='1' q:y='2'/></a>"));
+  EXPECT_TRUE(Loads(u"<a xmlns:p='u' xmlns='u'><b p:x='1' x='2'/></a>"));
+}
+
+TEST(XmlRefusal, OfManyNamesWithAPrefixInOneTagTheLastIsCheckedToo) {
+  for (const int count : {30, 31, 32, 33, 34, 100}) {
+    std::u16string tag = u"<a xmlns:p='u' xmlns:q='u'";
+    for (int i = 0; i < count; ++i) tag += u" p:a" + Number(i) + u"='1'";
+    EXPECT_TRUE(Loads(tag + u"/>")) << count;
+    EXPECT_FALSE(Loads(tag + u" p:a0='2'/>")) << count;
+    EXPECT_FALSE(Loads(tag + u" q:a0='2'/>")) << count;
+    EXPECT_FALSE(Loads(tag + u" q:a" + Number(count - 1) + u"='2'/>")) << count;
+    EXPECT_FALSE(Loads(tag + u" r:b='2'/>")) << count;
+    EXPECT_TRUE(Loads(tag + u" q:b='2' b='3'/>")) << count;
+  }
+}
+
 TEST(XmlRefusal, AnyTextIsANamespace) {
   EXPECT_TRUE(Loads(u"<svg xmlns='not a URI at all' xmlns:p='../relative'/>"));
   EXPECT_TRUE(Loads(u"<svg xmlns='&amp;ns_svg;' xmlns:p='a[b]^`{'/>"));
