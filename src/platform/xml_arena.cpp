@@ -52,7 +52,7 @@ std::u16string_view XmlArena::CloseText() {
   return text;
 }
 
-std::u16string_view XmlArena::StoreWithoutReturns(std::u16string_view text) {
+void XmlArena::AddWithoutReturns(std::u16string_view text) {
   char16_t* const units = TextRoom(text.size());
   char16_t* to = units;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -60,7 +60,6 @@ std::u16string_view XmlArena::StoreWithoutReturns(std::u16string_view text) {
     *to++ = text[i] == u'\r' ? u'\n' : text[i];
   }
   LengthenText(static_cast<std::size_t>(to - units));
-  return CloseText();
 }
 
 // Makes room for so many bytes at `next_`, the open text included.

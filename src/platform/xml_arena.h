@@ -27,9 +27,8 @@ class XmlArena {
   std::u16string_view CloseText();
   void DropText() { textLength_ = 0; }
 
-  // Stores a text with every carriage return, a line feed behind it included, as one line feed. Not while a text is
-  // open.
-  std::u16string_view StoreWithoutReturns(std::u16string_view text);
+  // Takes a text into the open one, with every carriage return, a line feed behind it included, as one line feed.
+  void AddWithoutReturns(std::u16string_view text);
 
  private:
   struct Chunk {

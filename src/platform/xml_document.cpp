@@ -6,6 +6,7 @@
 
 #include "filter_limits.h"
 #include "platform/xml_parser.h"
+#include "platform/xml_plain.h"
 #include "platform/xml_prepare.h"
 #include "platform/xml_tree.h"
 
@@ -94,8 +95,18 @@ class Document final : public IXMLDOMDocument {
 
   HRESULT Load(std::u16string_view text) {
     if (text.size() > kMaxDocumentBytes) return kInvalidArgument;
+    try {
+      if (ReadPlainXml(text, &tree_)) return kOk;
+      tree_.Clear();
+      return LoadByLibrary(text);
+    } catch (const std::bad_alloc&) {
+      return kOutOfMemory;
+    }
+  }
+
+  HRESULT LoadByLibrary(std::u16string_view text) {
     PreparedXml prepared;
-    switch (PrepareXml(text, &tree_, &prepared)) {
+    switch (PrepareXml(text, &prepared)) {
       case PrepareStatus::kPrepared:
         return ParseXml(prepared, &tree_, &error_.failure);
       case PrepareStatus::kRefused:

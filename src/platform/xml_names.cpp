@@ -1,7 +1,10 @@
 #include "platform/xml_names.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
+
+#include "platform/unit_scan.h"
 
 namespace {
 
@@ -11,21 +14,22 @@ using namespace std::string_view_literals;
 constexpr std::u16string_view kDeclarationStart = u"xmlns:"sv;
 
 // More than most documents have names.
-constexpr std::size_t kFirstSlots = 128;
+constexpr std::size_t kFirstSlots = 256;
 
 }  // namespace
 
-XmlName* XmlNames::Find(std::u16string_view full) const {
+XmlName* XmlNames::Find(std::u16string_view full, std::uint32_t hash) const {
   if (slots_.empty()) return nullptr;
-  const std::uint32_t hash = Hash(full);
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = hash & mask; slots_[i].name != nullptr; i = (i + 1) & mask) {
-    if (slots_[i].hash == hash && slots_[i].name->full == full) return slots_[i].name;
+    if (slots_[i].hash == hash && IsSameText(slots_[i].name->full, full)) return slots_[i].name;
   }
   return nullptr;
 }
 
-XmlName* XmlNames::Add(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset) {
+XmlName* XmlNames::Intern(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset) {
+  const std::uint32_t hash = Hash(full);
+  if (XmlName* const known = Find(full, hash)) return known;
   if (2 * (count_ + 1) > slots_.size()) {
     std::vector<Slot> former(slots_.empty() ? kFirstSlots : 2 * slots_.size());
     former.swap(slots_);
@@ -34,11 +38,13 @@ XmlName* XmlNames::Add(XmlArena& arena, std::u16string_view full, std::uint32_t 
     }
   }
   auto* const name = new (arena.Allocate(sizeof(XmlName))) XmlName{tree_, full, localOffset};
-  const std::uint32_t hash = Hash(full);
   slots_[FreePlace(hash)] = {hash, name};
   ++count_;
-  if (localOffset != 0 && !full.starts_with(kDeclarationStart)) {
+  if (localOffset == 0) return name;
+  if (!full.starts_with(kDeclarationStart)) {
     name->declaration = Declaration(arena, full.substr(0, localOffset - 1));
+  } else if (name->Local() == u"xml"sv) {
+    name->uri = kXmlNamespace;  // in every document
   }
   return name;
 }
@@ -51,7 +57,7 @@ XmlName* XmlNames::Declaration(XmlArena& arena, std::u16string_view prefix) {
     arena.DropText();
     return known;
   }
-  return Add(arena, arena.CloseText(), static_cast<std::uint32_t>(kDeclarationStart.size()));
+  return Intern(arena, arena.CloseText(), static_cast<std::uint32_t>(kDeclarationStart.size()));
 }
 
 void XmlNames::Clear() {
@@ -62,8 +68,20 @@ void XmlNames::Clear() {
 // The address of the tree goes in, so that nobody can write a document whose names all fall on one slot.
 std::uint32_t XmlNames::Hash(std::u16string_view text) const {
   auto hash = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(tree_)) >> 4;
-  for (const char16_t unit : text) hash = (hash ^ unit) * 0x9E3779B97F4A7C15u;
-  return static_cast<std::uint32_t>(hash >> 32);
+  const auto mix = [&hash](std::uint64_t word) {
+    hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+    hash ^= hash >> 32;
+  };
+  constexpr std::size_t kWord = sizeof(std::uint64_t) / sizeof(char16_t);
+  std::uint64_t word;
+  for (; text.size() >= kWord; text.remove_prefix(kWord)) {
+    std::memcpy(&word, text.data(), sizeof word);
+    mix(word);
+  }
+  word = 0;
+  for (const char16_t unit : text) word = word << 16 | unit;
+  mix(word);
+  return static_cast<std::uint32_t>(hash);
 }
 
 std::size_t XmlNames::FreePlace(std::uint32_t hash) const {

@@ -9,14 +9,18 @@
 
 struct XmlTree;
 
+// What the prefix "xml" stands for in every document.
+inline constexpr std::u16string_view kXmlNamespace = u"http://www.w3.org/XML/1998/namespace";
+
 // A name as it stands in the document, and where its local part begins. It knows the tree for all nodes that bear it.
 struct XmlName {
   XmlTree* tree;
   std::u16string_view full;
   std::uint32_t localOffset = 0;
-  std::uint32_t lastTag = 0;       // the last start tag, counted from 1, that set an attribute of this name aside
+  std::uint32_t lastTag = 0;       // the last start tag, counted from 1, with an attribute of this name
   XmlName* declaration = nullptr;  // for a name with the prefix p, that of the attribute xmlns:p
-  std::u16string_view uri = {};    // for a declaration, what it says where the load is; empty where there is none
+  std::u16string_view uri = {};    // for a declaration, what it says where the load is; empty where it is not made
+  const XmlName* local = nullptr;  // for a name with a prefix, its local part as a name; null until it is asked for
 
   std::u16string_view Local() const { return full.substr(localOffset); }
 };
@@ -25,11 +29,11 @@ class XmlNames {
  public:
   explicit XmlNames(XmlTree* tree) : tree_(tree) {}
 
-  // The name of this text; null if it has not been added.
-  XmlName* Find(std::u16string_view full) const;
+  // The name of this text; null if there is none.
+  XmlName* Find(std::u16string_view full) const { return Find(full, Hash(full)); }
 
-  // Adds a name that is not there. The text stays valid as long as the arena, where the name itself will lie.
-  XmlName* Add(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset);
+  // The same, which is added where there is none. The text stays valid as long as the arena, where the name will lie.
+  XmlName* Intern(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset);
 
   void Clear();
 
@@ -40,6 +44,7 @@ class XmlNames {
   };
 
   std::uint32_t Hash(std::u16string_view text) const;
+  XmlName* Find(std::u16string_view full, std::uint32_t hash) const;
   std::size_t FreePlace(std::uint32_t hash) const;
   XmlName* Declaration(XmlArena& arena, std::u16string_view prefix);
 

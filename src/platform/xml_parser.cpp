@@ -14,6 +14,7 @@
 #include "filter_limits.h"
 #include "platform/ascii_block.h"
 #include "platform/narrow_text.h"
+#include "platform/xml_builder.h"
 
 namespace {
 
@@ -91,7 +92,7 @@ class LibraryNames {
       return known;
     }
     const std::u16string_view full = tree.arena.CloseText();
-    return tree.names.Add(tree.arena, full, localOffset);
+    return tree.names.Intern(tree.arena, full, localOffset);
   }
 
   static Slot* Place(std::vector<Slot>& slots, const xmlChar* prefix, const xmlChar* localName) {
@@ -119,83 +120,35 @@ class LibraryNames {
 };
 
 // Takes the events and builds the tree.
-class TreeBuilder {
+class EventReader {
  public:
-  TreeBuilder(const PreparedXml& text, XmlTree* tree, XmlFailure* failure, xmlParserCtxtPtr parser)
-      : text_(text), tree_(*tree), failure_(*failure), parser_(parser) {}
+  EventReader(const PreparedXml& text, XmlTree* tree, XmlFailure* failure, xmlParserCtxtPtr parser)
+      : text_(text), tree_(*tree), failure_(*failure), parser_(parser), builder_(tree) {}
 
   void StartElement(const xmlChar* localName, int namespaceCount, const xmlChar** namespaces, int attributeCount,
                     const xmlChar** attributes) {
     EndText();
-    if (depth_ == kMaxElementDepth) {
+    if (builder_.Depth() == kMaxElementDepth) {
       Refuse(kFailed, u"Elements are nested deeper than 256.");
       return;
     }
-    bool preserves = Preserves();
-    const PreparedTag tag = TakeTag();
-    // There may be fewer: the library does not tell of a declaration of the prefix "xml".
-    const auto others = static_cast<std::uint32_t>(attributeCount + namespaceCount);
-    if (others > tag.others) {
-      Refuse(kFailed, u"The attributes of a tag are not well-formed.");
-      return;
-    }
-    NamedNode* node = tag.attributes + tag.plain;
     for (int i = 0; i < attributeCount; ++i) {
       const xmlChar** const attribute = attributes + 5 * i;  // local name, prefix, URI, value, end of the value
       const XmlName* const name = names_.Find(tree_, attribute[1], attribute[0]);
-      if (IsPlain(tag, name)) {
-        Refuse(XML_ERR_ATTRIBUTE_REDEFINED, u"An attribute stands twice in a tag.");
-        return;
-      }
-      const std::u16string_view value = StoreText({Chars(attribute[3]), Chars(attribute[4])});
-      if (name->full == u"xml:space") {
-        if (value == u"preserve") preserves = true;
-        if (value == u"default") preserves = false;
-      }
-      new (node++) NamedNode(name, kAttributeNode, value);
+      builder_.AddAttribute(name, StoreText({Chars(attribute[3]), Chars(attribute[4])}));
     }
-    const std::size_t firstDeclaration = declarations_.size();
     for (int i = 0; i < namespaceCount; ++i) {
       const xmlChar* const prefix = namespaces[2 * i];
-      XmlName* const name = prefix == nullptr ? names_.Find(tree_, nullptr, parser_->str_xmlns)
-                                              : names_.Find(tree_, parser_->str_xmlns, prefix);
-      const std::u16string_view uri = StoreText(View(namespaces[2 * i + 1]));
-      new (node++) NamedNode(name, kAttributeNode, uri);
-      declarations_.push_back({name, name->uri});
-      name->uri = uri;
+      const XmlName* const name = prefix == nullptr ? names_.Find(tree_, nullptr, parser_->str_xmlns)
+                                                    : names_.Find(tree_, parser_->str_xmlns, prefix);
+      builder_.AddAttribute(name, StoreText(View(namespaces[2 * i + 1])));
     }
-    if (tag.prefixed != 0 && !PrefixesAreRight(tag, others)) {
-      Refuse(kFailed, u"The prefix of an attribute is not declared, or two attributes have one name.");
-      return;
-    }
-    const XmlName* const name = names_.Find(tree_, nullptr, localName);
-    const auto count = static_cast<std::int32_t>(tag.plain + others);
-    auto* const element = new (tree_.arena.Allocate(sizeof(ElementNode))) ElementNode(name, tag.attributes, count);
-    element->preservesSpace = preserves;
-    if (depth_ == 0) {
-      tree_.root = element;
-    } else {
-      AddChild(element);
-    }
-    open_[depth_++] = {element, children_.size(), firstDeclaration};
+    builder_.StartElement(names_.Find(tree_, nullptr, localName));
   }
 
   void EndElement() {
     EndText();
-    const OpenElement& closing = open_[--depth_];
-    closing.element->blankAtEnd = blank_;
-    blank_ = false;
-    while (declarations_.size() != closing.firstDeclaration) {
-      declarations_.back().name->uri = declarations_.back().outerUri;
-      declarations_.pop_back();
-    }
-    const std::size_t count = children_.size() - closing.firstChild;
-    if (count == 0) return;
-    const std::size_t bytes = count * sizeof(TreeNode*);
-    auto** const children = static_cast<TreeNode**>(tree_.arena.Allocate(bytes));
-    std::memcpy(children, children_.data() + closing.firstChild, bytes);
-    closing.element->SetChildren(children, static_cast<std::int32_t>(count));
-    children_.resize(closing.firstChild);
+    builder_.EndElement();
   }
 
   // A piece of character data. What comes in a row makes one text.
@@ -206,17 +159,16 @@ class TreeBuilder {
 
   // A CDATA section or comment.
   void Leaf(NodeType type, std::string_view text) {
-    if (depth_ == 0) return;  // the document keeps nothing but its element
+    if (builder_.Depth() == 0) return;  // the document keeps nothing but its element
     EndText();
-    AddLeaf(type, StoreText(text));
+    builder_.AddLeaf(type, StoreText(text));
   }
 
   void ProcessingInstruction(const xmlChar* target, std::string_view data) {
-    if (depth_ == 0) return;
+    if (builder_.Depth() == 0) return;
     EndText();
     const XmlName* const name = names_.Find(tree_, nullptr, target);
-    const std::u16string_view text = StoreText(data);
-    AddChild(new (tree_.arena.Allocate(sizeof(NamedNode))) NamedNode(name, kProcessingInstructionNode, text));
+    builder_.AddInstruction(name, StoreText(data));
   }
 
   void Error(const xmlError& error) {
@@ -241,17 +193,6 @@ class TreeBuilder {
   }
 
  private:
-  struct OpenElement {
-    ElementNode* element;
-    std::size_t firstChild;        // of its children in `children_`
-    std::size_t firstDeclaration;  // of its own in `declarations_`
-  };
-
-  struct Declaration {
-    XmlName* name;
-    std::u16string_view outerUri;  // what the name stood for around the element
-  };
-
   void Refuse(std::int32_t code, std::u16string reason) {
     if (status_ != kOk) return;
     failure_.code = code;
@@ -269,27 +210,14 @@ class TreeBuilder {
     if (offset < text_.size) std::memset(text_.bytes + offset, 0, text_.size - offset);
   }
 
-  bool Preserves() const { return depth_ != 0 && open_[depth_ - 1].element->preservesSpace; }
-
   void EndText() {
     const std::u16string_view text = tree_.arena.OpenText();
     if (text.empty()) return;
-    if (!Preserves() && std::all_of(text.begin(), text.end(), [](char16_t unit) { return IsXmlSpace(unit); })) {
+    if (std::all_of(text.begin(), text.end(), IsXmlSpace) && builder_.DropsBlanks()) {
       tree_.arena.DropText();
-      blank_ = true;
-      return;
+    } else {
+      builder_.AddLeaf(kTextNode, tree_.arena.CloseText());
     }
-    AddLeaf(kTextNode, tree_.arena.CloseText());
-  }
-
-  void AddLeaf(NodeType type, std::u16string_view text) {
-    AddChild(new (tree_.arena.Allocate(sizeof(LeafNode))) LeafNode(&tree_.noName, type, text));
-  }
-
-  void AddChild(TreeNode* child) {
-    child->SetBlankInFront(blank_);
-    blank_ = false;
-    children_.push_back(child);
   }
 
   std::u16string_view StoreText(std::string_view text) {
@@ -297,55 +225,19 @@ class TreeBuilder {
     return tree_.arena.CloseText();
   }
 
-  // What was prepared of the start tag at whose end the library is; nothing for one without attributes.
-  PreparedTag TakeTag() {
-    const auto offset = static_cast<std::size_t>(Chars(parser_->input->cur) - text_.bytes);
-    if (nextTag_ == text_.tags.size() || text_.tags[nextTag_].offset != offset) return {};
-    return text_.tags[nextTag_++];
-  }
-
-  // The library's checks of names with a prefix, for the plain attributes: the prefix is declared, and no other prefix
-  // of the same namespace makes another attribute's name the same.
-  static bool PrefixesAreRight(const PreparedTag& tag, std::uint32_t others) {
-    const NamedNode* const plainEnd = tag.attributes + tag.plain;
-    for (const NamedNode* node = tag.attributes; node != plainEnd; ++node) {
-      const XmlName& name = *node->Name();
-      if (name.declaration == nullptr) continue;
-      const std::u16string_view uri = name.declaration->uri;
-      if (uri.empty()) return false;
-      for (const NamedNode* next = node + 1; next != plainEnd + others; ++next) {
-        const XmlName& other = *next->Name();
-        if (other.declaration == nullptr || other.declaration == name.declaration) continue;
-        if (other.Local() == name.Local() && other.declaration->uri == uri) return false;
-      }
-    }
-    return true;
-  }
-
-  static bool IsPlain(const PreparedTag& tag, const XmlName* name) {
-    const NamedNode* const end = tag.attributes + tag.plain;
-    return std::any_of(static_cast<const NamedNode*>(tag.attributes), end,
-                       [name](const NamedNode& node) { return node.Name() == name; });
-  }
-
   const PreparedXml& text_;
   XmlTree& tree_;
   XmlFailure& failure_;
   xmlParserCtxtPtr parser_;
+  XmlTreeBuilder builder_;
   LibraryNames names_;
   HRESULT status_ = kOk;
-  OpenElement open_[kMaxElementDepth];
-  int depth_ = 0;
-  std::vector<TreeNode*> children_;  // of all open elements, one element's behind the other's
-  bool blank_ = false;               // white space was dropped since the last child or tag
-  std::size_t nextTag_ = 0;
-  std::vector<Declaration> declarations_;  // of all open elements
 };
 
 // Calls the builder from the library, which no exception may pass through.
 template <typename Work>
 void Build(void* context, Work work) {
-  auto* const builder = static_cast<TreeBuilder*>(context);
+  auto* const builder = static_cast<EventReader*>(context);
   try {
     work(*builder);
   } catch (const std::bad_alloc&) {
@@ -359,33 +251,33 @@ std::string_view View(const xmlChar* text, int length) {
 
 void OnStartElement(void* context, const xmlChar* localName, const xmlChar*, const xmlChar*, int namespaceCount,
                     const xmlChar** namespaces, int attributeCount, int, const xmlChar** attributes) {
-  Build(context, [&](TreeBuilder& builder) {
+  Build(context, [&](EventReader& builder) {
     builder.StartElement(localName, namespaceCount, namespaces, attributeCount, attributes);
   });
 }
 
 void OnEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
-  Build(context, [](TreeBuilder& builder) { builder.EndElement(); });
+  Build(context, [](EventReader& builder) { builder.EndElement(); });
 }
 
 void OnCharacters(void* context, const xmlChar* text, int length) {
-  Build(context, [&](TreeBuilder& builder) { builder.Characters(View(text, length)); });
+  Build(context, [&](EventReader& builder) { builder.Characters(View(text, length)); });
 }
 
 void OnCData(void* context, const xmlChar* text, int length) {
-  Build(context, [&](TreeBuilder& builder) { builder.Leaf(kCDataNode, View(text, length)); });
+  Build(context, [&](EventReader& builder) { builder.Leaf(kCDataNode, View(text, length)); });
 }
 
 void OnComment(void* context, const xmlChar* text) {
-  Build(context, [&](TreeBuilder& builder) { builder.Leaf(kCommentNode, View(text)); });
+  Build(context, [&](EventReader& builder) { builder.Leaf(kCommentNode, View(text)); });
 }
 
 void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar* data) {
-  Build(context, [&](TreeBuilder& builder) { builder.ProcessingInstruction(target, View(data)); });
+  Build(context, [&](EventReader& builder) { builder.ProcessingInstruction(target, View(data)); });
 }
 
 void OnError(void* context, xmlErrorPtr error) {
-  Build(context, [&](TreeBuilder& builder) { builder.Error(*error); });
+  Build(context, [&](EventReader& builder) { builder.Error(*error); });
 }
 
 struct ParserDeleter {
@@ -420,7 +312,7 @@ HRESULT ParseXml(const PreparedXml& text, XmlTree* tree, XmlFailure* failure) {
   // The encoding is that of the wide text, whatever the document says. References must be replaced, or the library
   // hands out "&#38;" for "&amp;"; nothing but the five and characters can be referred to without a document type.
   xmlCtxtUseOptions(parser.get(), XML_PARSE_HUGE | XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_NOENT);
-  TreeBuilder builder(text, tree, failure, parser.get());
+  EventReader builder(text, tree, failure, parser.get());
   xmlSAXHandler events = {};
   events.initialized = XML_SAX2_MAGIC;
   events.startElementNs = OnStartElement;

@@ -14,6 +14,6 @@ struct XmlFailure {
   std::u16string reason;
 };
 
-// Fills `tree` from a text that was prepared with it. Returns kOk, kOutOfMemory, or kFalse for a text that is
+// Fills `tree`, which must be empty, from a prepared text. Returns kOk, kOutOfMemory, or kFalse for a text that is
 // refused, with `failure` saying why; `tree` is to be cleared then.
 HRESULT ParseXml(const PreparedXml& text, XmlTree* tree, XmlFailure* failure);

@@ -4,8 +4,6 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
-#include <new>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -20,16 +18,10 @@ constexpr std::size_t kBlock = 16;
 // What one step of a scan writes at most: a block, or a unit at the end of one as three bytes or as a reference.
 constexpr std::size_t kRoom = 4 * kBlock;
 
-// Few documents have more tags.
-constexpr std::size_t kUnitsPerTag = 64;
-
 // NULs behind the text, for the library to look ahead over.
 constexpr std::size_t kPadding = 8;
 
 constexpr char16_t kByteOrderMark = 0xFEFF;
-
-// Names with a prefix are compared with one another.
-constexpr std::uint32_t kMostPrefixed = 32;
 
 // Where a run of units stands; each place has its own units at which the run stops.
 enum Place : unsigned char { kContent = 1, kTagBody = 2, kDoubleQuoted = 4, kSingleQuoted = 8, kUpToAngle = 16 };
@@ -58,31 +50,6 @@ constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kSto
 
 constexpr bool IsBreak(char16_t unit) { return unit == u'\n' || unit == u'\t' || unit == u'\r'; }
 
-// The ASCII units of names without a prefix.
-struct NameTable {
-  constexpr NameTable() {
-    for (char16_t unit = u'a'; unit <= u'z'; ++unit) starts[unit] = continues[unit] = true;
-    for (char16_t unit = u'A'; unit <= u'Z'; ++unit) starts[unit] = continues[unit] = true;
-    for (char16_t unit = u'0'; unit <= u'9'; ++unit) continues[unit] = true;
-    starts[u'_'] = continues[u'_'] = true;
-    continues[u'-'] = continues[u'.'] = true;
-  }
-  bool starts[128] = {};
-  bool continues[128] = {};
-};
-
-constexpr NameTable kNames;
-
-constexpr bool StartsName(char16_t unit) { return unit <= 0x7F && kNames.starts[unit]; }
-constexpr bool ContinuesName(char16_t unit) { return unit <= 0x7F && kNames.continues[unit]; }
-
-// A bit for each unit of a block of a quoted value, the lowest for the first: those that end what is plain, and the
-// carriage returns.
-struct ValueBlock {
-  unsigned stops;
-  unsigned returns;
-};
-
 // Copies a block and returns a bit for each unit at which a run in this place stops, the lowest for the first.
 #ifdef __SSE2__
 template <Place place>
@@ -103,20 +70,6 @@ unsigned FindStops(const char16_t* from, char* to) {
   if constexpr ((place & (kTagBody | kSingleQuoted)) != 0) stopAt('\'');
   return static_cast<unsigned>(_mm_movemask_epi8(stops));
 }
-
-template <Place place>
-ValueBlock FindValueEnd(const char16_t* from) {
-  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
-  const __m128i bytes = _mm_packus_epi16(low, high);
-  const auto equal = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
-  const __m128i returns = equal('\r');
-  const __m128i breaks = _mm_or_si128(_mm_or_si128(equal('\n'), equal('\t')), returns);
-  const __m128i codes = _mm_andnot_si128(breaks, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
-  const __m128i signs = _mm_or_si128(_mm_or_si128(equal('<'), equal('&')), equal(place == kDoubleQuoted ? '"' : '\''));
-  return {static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(codes, signs))),
-          static_cast<unsigned>(_mm_movemask_epi8(returns))};
-}
 #else
 template <Place place>
 unsigned FindStops(const char16_t* from, char* to) {
@@ -127,28 +80,17 @@ unsigned FindStops(const char16_t* from, char* to) {
   }
   return stops;
 }
-
-template <Place place>
-ValueBlock FindValueEnd(const char16_t* from) {
-  ValueBlock block = {};
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    if (StopsAt(place, from[i]) && !IsBreak(from[i])) block.stops |= 1u << i;
-    if (from[i] == u'\r') block.returns |= 1u << i;
-  }
-  return block;
-}
 #endif
 
 // The scan. Each `Copy` function reads from `in_` and writes to `out_`; it returns false when the scan is over before
 // its time, `status_` telling why.
 class Preparation {
  public:
-  Preparation(std::u16string_view text, XmlTree* tree, PreparedXml* prepared)
-      : prepared_(*prepared), tree_(*tree), in_(text.data()), end_(text.data() + text.size()) {}
+  Preparation(std::u16string_view text, PreparedXml* prepared)
+      : prepared_(*prepared), in_(text.data()), end_(text.data() + text.size()) {}
 
   PrepareStatus Run() {
     const std::size_t units = static_cast<std::size_t>(end_ - in_);
-    prepared_.tags.reserve(units / kUnitsPerTag);
     if (Grow(units + units / 16 + kRoom) && CopyDocument()) Finish();
     return status_;
   }
@@ -191,121 +133,18 @@ class Preparation {
   bool CopyTag() {
     *out_++ = '<';  // the run in front of it has left room
     ++in_;
-    // Plain attributes are taken behind a name of the commonest kind and behind attributes alone: so far a tag that is
-    // wrong is wrong whatever follows, and one that is right stays so without them.
-    const bool takesPlain = CopyTagName();
-    int attributes = 0;  // that the library sees
-    plain_.clear();
-    prefixed_ = 0;
-    ++tagNumber_;
-    for (;;) {
-      if (takesPlain && !TakePlainAttributes(attributes)) return false;
+    for (int attributes = 0;; ++attributes) {
       if (!CopyRun<kTagBody>()) return false;
       if (in_ == end_) return true;
       const char16_t unit = *in_;
       // The library would take this for the start of another tag, with attributes that are not counted.
       if (unit == u'<') return Refuse(u"A tag is not closed in front of the next.");
-      if (unit == u'>') {
-        if (attributes != 0 || !plain_.empty()) StoreTag(attributes);
-        *out_++ = '>';
-        ++in_;
-        return true;
-      }
       *out_++ = static_cast<char>(unit);
       ++in_;
-      ++attributes;
-      if (TooManyAttributes(attributes)) return false;
+      if (unit == u'>') return true;
+      if (attributes == kMaxAttributes) return Refuse(u"An element has more than 10 000 attributes.");
       if (!(unit == u'"' ? CopyValue<kDoubleQuoted>() : CopyValue<kSingleQuoted>())) return false;
     }
-  }
-
-  // Copies the name of a start tag, if it is ASCII and not too long; returns whether it was, with a blank behind it.
-  bool CopyTagName() {
-    constexpr std::ptrdiff_t kMostUnits = kRoom / 2;
-    const char16_t* const start = in_;
-    if (in_ == end_ || !StartsName(*in_)) return false;
-    while (in_ != end_ && in_ - start < kMostUnits && (ContinuesName(*in_) || *in_ == u':')) {
-      *out_++ = static_cast<char>(*in_++);
-    }
-    return in_ != end_ && (*in_ == u' ' || IsBreak(*in_));
-  }
-
-  // Whether an attribute of this name or prefix is for the library and the builder of the tree.
-  static bool IsReserved(std::u16string_view name) {
-    return name.size() >= 3 && name[0] == u'x' && name[1] == u'm' && name[2] == u'l';
-  }
-
-  // Sets all attributes aside that stand here in a row and are plain, behind so many that are not.
-  bool TakePlainAttributes(int others) {
-    for (;;) {
-      const char16_t* name = in_;
-      while (name != end_ && (*name == u' ' || IsBreak(*name))) ++name;
-      if (name == in_ || name == end_ || !StartsName(*name)) return true;
-      const char16_t* c = name + 1;
-      while (c != end_ && ContinuesName(*c)) ++c;
-      if (IsReserved({name, static_cast<std::size_t>(c - name)})) return true;
-      std::uint32_t localOffset = 0;
-      if (end_ - c > 1 && *c == u':' && StartsName(c[1])) {
-        if (prefixed_ == kMostPrefixed) return true;
-        c += 2;
-        localOffset = static_cast<std::uint32_t>(c - 1 - name);
-        while (c != end_ && ContinuesName(*c)) ++c;
-      }
-      if (end_ - c < 4 || *c != u'=') return true;
-      const std::u16string_view nameText(name, static_cast<std::size_t>(c - name));
-      const char16_t quote = c[1];
-      if (quote != u'"' && quote != u'\'') return true;
-      const char16_t* const value = c + 2;
-      bool hasReturns;
-      c = quote == u'"' ? ValueEnd<kDoubleQuoted>(value, &hasReturns) : ValueEnd<kSingleQuoted>(value, &hasReturns);
-      if (c == end_ || *c != quote || c + 1 == end_) return true;
-      const char16_t next = c[1];
-      if (next != u' ' && next != u'>' && next != u'/' && !IsBreak(next)) return true;
-
-      XmlName* const known = KnownName(nameText, localOffset);
-      if (known->lastTag == tagNumber_) return Refuse(u"An attribute stands twice in a tag.");
-      known->lastTag = tagNumber_;
-      if (localOffset != 0) ++prefixed_;
-      plain_.push_back({known, {value, static_cast<std::size_t>(c - value)}, hasReturns});
-      if (TooManyAttributes(others)) return false;
-      in_ = c + 1;
-    }
-  }
-
-  // The name of this text. Nearly all attributes have one of a few names, which are found by their ends and length.
-  XmlName* KnownName(std::u16string_view text, std::uint32_t localOffset) {
-    XmlName*& recent = recent_[(text.front() + 4 * text.back() + 32 * text.size()) % std::size(recent_)];
-    const std::size_t bytes = text.size() * sizeof(char16_t);
-    if (recent != nullptr && recent->full.size() == text.size() &&
-        std::memcmp(recent->full.data(), text.data(), bytes) == 0) {
-      return recent;
-    }
-    recent = tree_.names.Find(text);
-    if (recent == nullptr) recent = tree_.names.Add(tree_.arena, text, localOffset);
-    return recent;
-  }
-
-  // Refuses more attributes than an element may have, when so many are not plain.
-  bool TooManyAttributes(int others) {
-    if (plain_.size() + static_cast<std::size_t>(others) <= kMaxAttributes) return false;
-    Refuse(u"An element has more than 10 000 attributes.");
-    return true;
-  }
-
-  void StoreTag(int others) {
-    const std::size_t count = plain_.size() + static_cast<std::size_t>(others);
-    // A text is stored in the arena before the nodes are, which lie in one piece.
-    for (PlainAttribute& attribute : plain_) {
-      if (attribute.hasReturns) attribute.value = tree_.arena.StoreWithoutReturns(attribute.value);
-    }
-    auto* const nodes = static_cast<NamedNode*>(tree_.arena.Allocate(count * sizeof(NamedNode)));
-    NamedNode* node = nodes;
-    for (const PlainAttribute& attribute : plain_) {
-      new (node++) NamedNode(attribute.name, kAttributeNode, attribute.value);
-    }
-    const std::size_t end = Written() - (out_[-1] == '/' ? 1 : 0);
-    prepared_.tags.push_back({nodes, static_cast<std::uint32_t>(plain_.size()), prefixed_,
-                              static_cast<std::uint32_t>(others), static_cast<std::uint32_t>(end)});
   }
 
   // Copies the rest of an attribute value behind its first quote, and the last quote.
@@ -326,25 +165,6 @@ class Preparation {
       // references.
       if (!(IsBreak(unit) ? CopyBreak() : CopyUnit())) return false;
     }
-  }
-
-  // The end of what is plain in a value from here on: its last quote, or what is not plain.
-  template <Place place>
-  const char16_t* ValueEnd(const char16_t* from, bool* hasReturns) const {
-    unsigned returns = 0;
-    while (end_ - from >= static_cast<std::ptrdiff_t>(kBlock)) {
-      const ValueBlock block = FindValueEnd<place>(from);
-      if (block.stops != 0) {
-        const int plain = std::countr_zero(block.stops);
-        *hasReturns = (returns | (block.returns & ((1u << plain) - 1))) != 0;
-        return from + plain;
-      }
-      returns |= block.returns;
-      from += kBlock;
-    }
-    for (; from != end_ && (!StopsAt(place, *from) || IsBreak(*from)); ++from) returns |= *from == u'\r' ? 1u : 0u;
-    *hasReturns = returns != 0;
-    return from;
   }
 
   // Copies a line end or tab of an attribute value as a reference.
@@ -461,18 +281,7 @@ class Preparation {
     std::memset(out_, 0, kPadding);
   }
 
-  struct PlainAttribute {
-    const XmlName* name;
-    std::u16string_view value;
-    bool hasReturns;
-  };
-
   PreparedXml& prepared_;
-  XmlTree& tree_;
-  std::vector<PlainAttribute> plain_;  // of the tag at hand
-  std::uint32_t prefixed_ = 0;         // of those
-  std::uint32_t tagNumber_ = 0;
-  XmlName* recent_[128] = {};
   const char16_t* in_;
   const char16_t* end_;
   char* out_ = nullptr;
@@ -484,10 +293,4 @@ class Preparation {
 
 PreparedXml::~PreparedXml() { std::free(bytes); }
 
-PrepareStatus PrepareXml(std::u16string_view text, XmlTree* tree, PreparedXml* prepared) {
-  try {
-    return Preparation(text, tree, prepared).Run();
-  } catch (const std::bad_alloc&) {
-    return PrepareStatus::kNoMemory;
-  }
-}
+PrepareStatus PrepareXml(std::u16string_view text, PreparedXml* prepared) { return Preparation(text, prepared).Run(); }

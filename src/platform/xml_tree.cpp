@@ -3,6 +3,7 @@
 #include <new>
 
 #include "filter_limits.h"
+#include "platform/unit_scan.h"
 
 void EmptyNodeList::AddRef() { ++tree_->references; }
 
@@ -88,7 +89,7 @@ HRESULT ElementNode::get_childNodes(IXMLDOMNodeList** children) {
 
 HRESULT ElementNode::getNamedItem(std::u16string_view name, IXMLDOMNode** item) {
   for (NamedNode* attribute = attributes_; attribute != attributes_ + attributeCount_; ++attribute) {
-    if (attribute->FullName() != name) continue;
+    if (!IsSameText(attribute->FullName(), name)) continue;
     attribute->AddRef();
     *item = attribute;
     return kOk;

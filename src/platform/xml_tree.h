@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -116,6 +117,9 @@ class ElementNode final : public TreeNode, public IXMLDOMNamedNodeMap, public IX
   HRESULT getNamedItem(std::u16string_view name, IXMLDOMNode** item) override;
   HRESULT get_length(std::int32_t* length) override;
   HRESULT get_item(std::int32_t index, IXMLDOMNode** item) override;
+
+  // In the order in which the document's reader came upon them, which nothing may depend on.
+  std::span<const NamedNode> Attributes() const { return {attributes_, static_cast<std::size_t>(attributeCount_)}; }
 
   // `children` lies in the arena.
   void SetChildren(TreeNode** children, std::int32_t childCount) {

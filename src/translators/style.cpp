@@ -8,6 +8,7 @@
 #include "operators/graphics_state.h"
 #include "paint/paint_servers.h"
 #include "paint/transparency.h"
+#include "platform/unit_scan.h"
 #include "run/command_queue.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
@@ -51,7 +52,9 @@ enum Property {
 class StyleText {
  public:
   explicit StyleText(std::u16string_view text) : text_(text) {
-    for (std::size_t colon = text.find(u':'); colon != text.npos; colon = text.find(u':', colon + 1)) Note(colon);
+    for (std::size_t colon = FindUnit(text, u':', 0); colon != text.npos; colon = FindUnit(text, u':', colon + 1)) {
+      Note(colon);
+    }
   }
 
   bool Has(Property property) const { return values_[property] != 0; }
@@ -82,7 +85,7 @@ class StyleText {
   void Note(std::size_t colon) {
     const std::u16string_view name = text_.substr(0, colon);
     const auto take = [&](std::u16string_view property, Property place) {
-      if (!Has(place) && name.ends_with(property)) values_[place] = colon + 1;
+      if (!Has(place) && EndsWithText(name, property)) values_[place] = colon + 1;
     };
     switch (name.empty() ? u' ' : name.back()) {
       case u'e':
