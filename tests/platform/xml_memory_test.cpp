@@ -1,4 +1,4 @@
-// A document that is loaded while the XML library is short of memory.
+// A document that is loaded while the XML library or the filter itself is short of memory.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,9 @@
 
 #include <libxml/xmlmemory.h>
 
+#include "platform/xml_plain.h"
 #include "tests/platform/dom_reader.h"
+#include "tests/support/short_memory.h"
 
 namespace {
 
@@ -42,18 +44,51 @@ class ShortMemory {
   xmlStrdupFunc strdup_;
 };
 
+std::u16string Number(int number) {
+  std::u16string text;
+  for (const char digit : std::to_string(number)) text.push_back(static_cast<char16_t>(digit));
+  return text;
+}
+
+// A document with nodes of all kinds, and with so many attributes of its element and so many children.
+std::u16string DocumentOf(int attributes, int children) {
+  std::u16string text = u"<?xml version='1.0'?><!--c--><svg xmlns='u' xmlns:p='v' xmlns:q='w'";
+  for (int i = 0; i < attributes; ++i) text += u" a" + Number(i) + u"=''";
+  text += u">";
+  for (int i = 0; i < children; ++i) {
+    const std::u16string number = Number(i);
+    text += u"<g" + number + u" p:a" + number + u"='1\n2' b='&lt;\u00E4\n'>t &amp;<?p q?></g" + number + u">";
+  }
+  return text + u"<![CDATA[d]]></svg>";
+}
+
+// The same with a character that the short way leaves to the library.
+std::u16string DocumentForTheLibrary(int attributes, int children) {
+  std::u16string text = DocumentOf(attributes, children);
+  return text.insert(text.rfind(u'<'), u"\U0001F600");
+}
+
+// Loads the text again and again, with one allocation of the filter more going well each time. Returns how many failed.
+int LoadShortOfMemory(std::u16string_view text) {
+  for (int point = 0;; ++point) {
+    Dom dom;
+    bool success = true;
+    LimitAllocations(point);
+    const HRESULT status = dom->loadXML(text, &success);
+    const bool failed = EndAllocationLimit();
+    EXPECT_EQ(success, !failed) << point;
+    EXPECT_EQ(status, failed ? kOutOfMemory : kOk) << point;
+    EXPECT_EQ(dom.Root() == nullptr, failed) << point;
+    if (!failed) return point;
+  }
+}
+
 }  // namespace
 
 TEST(XmlMemory, ALackOfItAtAnyPointIsReportedAndLeavesNothingBehind) {
-  std::u16string text = u"<?xml version='1.0'?><!--c--><svg xmlns='u' xmlns:p='v'>";
-  for (int i = 0; i < 40; ++i) {
-    const auto digit = static_cast<char16_t>(u'0' + i % 10);
-    const auto tens = static_cast<char16_t>(u'0' + i / 10);
-    text += std::u16string(u"<g") + tens + digit + u" p:a" + tens + digit +
-            u"='1\n2' b='&lt;\u00E4\n'>t &amp;<?p q?></g" + tens + digit + u">";
-  }
-  text += u"<![CDATA[d]]></svg>";
-
+  // Not more attributes than the library has room for from the start: where it fails to make room it goes on to use
+  // what it has given back.
+  const std::u16string text = DocumentForTheLibrary(0, 40);
   ::testing::internal::CaptureStderr();  // the library speaks up when it can't even begin
   {
     const ShortMemory memory;
@@ -76,4 +111,18 @@ TEST(XmlMemory, ALackOfItAtAnyPointIsReportedAndLeavesNothingBehind) {
     EXPECT_GT(reported, 50);
   }
   ::testing::internal::GetCapturedStderr();
+}
+
+TEST(XmlMemory, ALackOfItInTheShortWayIsReportedAndNotTriedAgain) {
+  const std::u16string text = DocumentOf(400, 400);
+  XmlTree tree;
+  ASSERT_TRUE(ReadPlainXml(text, &tree));
+  EXPECT_GT(LoadShortOfMemory(text), 10);
+}
+
+TEST(XmlMemory, ALackOfItAroundTheLibraryIsReported) {
+  const std::u16string text = DocumentForTheLibrary(400, 400);
+  XmlTree tree;
+  ASSERT_FALSE(ReadPlainXml(text, &tree));
+  EXPECT_GT(LoadShortOfMemory(text), 20);
 }
