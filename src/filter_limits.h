@@ -43,8 +43,8 @@ inline constexpr std::uint32_t kMaxNestedElements = 1024;
 // Units of an operator token that the dispatch sees.
 inline constexpr std::size_t kMaxNameUnits = 64;
 
-// Frames that are allocated at a time. A document needs at most a few hundred.
-inline constexpr std::size_t kFrameBlock = 20;
+// Frames that are allocated at a time, a power of two. A drawing needs few, a document at most a few hundred.
+inline constexpr std::size_t kFrameBlock = 8;
 
 // Clip levels that are stored; further ones are counted and read as 0.
 inline constexpr int kMaxClipLevels = 999;

@@ -18,7 +18,9 @@ constexpr std::size_t kClearedAtOnce = 512;
 
 // Makes entries readable as far as `end`, or a little further. Half of a large table may never be used, and is then
 // never touched.
-void ClearUpTo(CommandQueue& queue, std::size_t end) {
+//
+// This and Grow are seldom called: inlined, they would cost every record the registers that they need.
+[[gnu::noinline]] void ClearUpTo(CommandQueue& queue, std::size_t end) {
   end = std::min(queue.capacity, (end / kClearedAtOnce + 1) * kClearedAtOnce);
   std::memset(queue.slots + queue.cleared, 0, (end - queue.cleared) * sizeof(ImportCommand*));
   queue.cleared = end;
@@ -26,7 +28,7 @@ void ClearUpTo(CommandQueue& queue, std::size_t end) {
 
 // Entries keep their order and `head` its value: what had wrapped round moves behind the old end as far as the new room
 // goes, and the rest to the start of the new table.
-void Grow(CommandQueue& queue) {
+[[gnu::noinline]] void Grow(CommandQueue& queue) {
   std::size_t capacity = queue.capacity ? queue.capacity : 1;
   while (capacity == queue.capacity || capacity < 8) {
     if (capacity > kLargestCapacity) throw std::length_error("deque<T> too long");
@@ -35,8 +37,11 @@ void Grow(CommandQueue& queue) {
   auto** slots = static_cast<ImportCommand**>(AllocateHost(capacity * sizeof(ImportCommand*)));
   const CommandQueue old = std::exchange(queue, {slots, capacity, 0, queue.head, queue.count});
   ClearUpTo(queue, old.head + old.capacity);
-  for (std::size_t i = old.head; i < old.head + old.capacity; ++i) {
-    slots[i & (capacity - 1)] = old.slots[i & (old.capacity - 1)];
+  const std::size_t first = old.head & (old.capacity - 1);
+  const std::size_t behind = old.capacity - first;
+  if (old.capacity != 0) {
+    std::copy_n(old.slots + first, behind, slots + (old.head & (capacity - 1)));
+    std::copy_n(old.slots, first, slots + ((old.head + behind) & (capacity - 1)));
   }
   FreeHost(old.slots);
 }

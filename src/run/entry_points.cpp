@@ -59,6 +59,12 @@ void TranslateRemainingNodes() {
   }
 }
 
+// Not inlined, so that the way of a record that is only popped stays short.
+[[gnu::noinline]] void TranslateToTheEnd() {
+  TranslateRemainingNodes();
+  PushCommand(KEY_ENDF);
+}
+
 ImportCommand PopEither() {
   ImportCommand record = PopCommand(run.priority);
   if (record.key == KEY_NULL) record = PopCommand(run.commands);
@@ -111,8 +117,7 @@ int CheckFile(std::uintptr_t, std::uintptr_t, const char16_t* path) {
 ImportCommand GetImportCommand() {
   ImportCommand record = PopEither();
   if (record.key == KEY_NULL) {
-    TranslateRemainingNodes();
-    PushCommand(KEY_ENDF);
+    TranslateToTheEnd();
     record = PopEither();
     if (record.key == KEY_NULL) return record;
   }

@@ -1,5 +1,6 @@
 #include "translators/path_data.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 #include "operators/path.h"
 #include "operators/path_end.h"
 #include "operators/polygon.h"
+#include "platform/unit_scan.h"
 #include "run/import_run.h"
 #include "run/number_text.h"
 #include "run/plain_number.h"
@@ -325,12 +327,8 @@ void PathWriter::Run() {
 
 bool IsLineEnd(char16_t c) { return c == u'\r' || c == u'\n'; }
 
-// Looks at every unit, without an early end and in integers of a unit's size, so that the compiler can take many at a
-// time: it does not with a bool.
 bool HasLineEnd(std::u16string_view text) {
-  char16_t found = 0;
-  for (const char16_t c : text) found |= static_cast<char16_t>(IsLineEnd(c));
-  return found != 0;
+  return MayHoldControls(text) && std::any_of(text.begin(), text.end(), IsLineEnd);
 }
 
 }  // namespace
