@@ -267,8 +267,8 @@ class PlainReader {
     if (!(quote == u'"' ? ReadPiece<'"', '<', '&'>(&value) : ReadPiece<'\'', '<', '&'>(&value))) return false;
     if (in_ == end_ || *in_ != quote) return false;
     ++in_;
-    if (IsSameText(name->full, u"xmlns:xml"sv))
-      return value == kXmlNamespace;  // is said of every document, and is not kept
+    // What is said of every document is not kept.
+    if (IsSameText(name->full, u"xmlns:xml"sv)) return value == kXmlNamespace;
     builder_.AddAttribute(name, value);
     if (name->declaration != nullptr) {
       prefixedNames_[prefixed_++] = name;
