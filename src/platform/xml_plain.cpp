@@ -20,9 +20,9 @@ namespace {
 // A view of a plain literal would find out its length at run time.
 using namespace std::string_view_literals;
 
-// The library's limits lie above; and a text of this length is short enough for it in any encoding, each line end as a
-// reference.
-constexpr std::size_t kMostUnits = kMaxDocumentBytes / 5;
+// The library takes no value, comment, section or instruction of more than 1 000 000 000 bytes. A whole text of this
+// length is none in any encoding, each line end as a reference; its other limits lie above.
+constexpr std::size_t kMostUnits = 1'000'000'000 / 5;
 constexpr std::size_t kMostNameUnits = 1000;
 
 // Names with a prefix are compared with one another.
