@@ -297,6 +297,17 @@ bool SetInput(xmlParserCtxtPtr parser, const PreparedXml& text) {
   return false;
 }
 
+// Gives the parser room for all attributes that a tag may have. Where it finds none for more while it reads a tag it
+// goes on to use what it has given back. False when there is no memory.
+bool MakeRoomForAttributes(xmlParserCtxtPtr parser) {
+  constexpr int kAttributes = kMaxAttributes + 2;  // it looks for a little more than it needs
+  constexpr int kPointers = 5 * kAttributes;
+  parser->atts = static_cast<const xmlChar**>(xmlMalloc(kPointers * sizeof(xmlChar*)));
+  parser->attallocs = static_cast<int*>(xmlMalloc(kAttributes * sizeof(int)));
+  parser->maxatts = kPointers;
+  return parser->atts != nullptr && parser->attallocs != nullptr;
+}
+
 }  // namespace
 
 HRESULT ParseXml(const PreparedXml& text, XmlTree* tree, XmlFailure* failure) {
@@ -307,7 +318,7 @@ HRESULT ParseXml(const PreparedXml& text, XmlTree* tree, XmlFailure* failure) {
   }
   xmlInitParser();
   const std::unique_ptr<xmlParserCtxt, ParserDeleter> parser(xmlNewParserCtxt());
-  if (parser == nullptr || !SetInput(parser.get(), text)) return kOutOfMemory;
+  if (parser == nullptr || !SetInput(parser.get(), text) || !MakeRoomForAttributes(parser.get())) return kOutOfMemory;
 
   // The encoding is that of the wide text, whatever the document says. References must be replaced, or the library
   // hands out "&#38;" for "&amp;"; nothing but the five and characters can be referred to without a document type.
