@@ -36,7 +36,7 @@ if(NOT SVGIMPORT_SANITIZE)
   set(optimised $<AND:$<CONFIG:Release,RelWithDebInfo>,$<NOT:$<BOOL:$<TARGET_PROPERTY:SVGIMPORT_UNOPTIMISED>>>>)
   target_compile_options(svgimport-settings INTERFACE
     $<${optimised}:-fstack-protector-strong> $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
-  # With "now" all calls into other libraries are bound when the library is loaded and need no stub.
+  # With "now" all calls into other libraries are bound when the library is loaded, and go there directly.
   target_compile_options(svgimport-settings INTERFACE $<${optimised}:-fno-plt>)
   target_link_options(svgimport-settings INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
   include(CheckPIESupported)
