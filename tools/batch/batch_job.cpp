@@ -210,8 +210,7 @@ BatchResult BatchJob::TakeResult() {
     rapidjson::Document answer;
     answer.Parse(answer_.Text().c_str());
     if (!answer.HasParseError()) {
-      const auto reason = answer.FindMember("reason");
-      if (reason != answer.MemberEnd()) result_.reason = reason->value.GetString();
+      if (answer.HasMember("reason")) result_.reason = answer["reason"].GetString();
       result_.commands = ReadCounts(answer, "commands");
       for (const auto& [name, count] : result_.commands) result_.records += count;
       result_.losses = ReadCounts(answer, "losses");
