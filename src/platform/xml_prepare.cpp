@@ -1,18 +1,14 @@
 #include "platform/xml_prepare.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 #include "filter_limits.h"
 
 namespace {
 
+// Units that are copied between two looks at the room for them.
 constexpr std::size_t kBlock = 16;
 
 // What one step of a scan writes at most: a block, or a unit at the end of one as three bytes or as a reference.
@@ -49,38 +45,6 @@ constexpr StopTable kStops;
 constexpr bool StopsAt(Place place, char16_t unit) { return unit > 0x7F || (kStops.places[unit] & place) != 0; }
 
 constexpr bool IsBreak(char16_t unit) { return unit == u'\n' || unit == u'\t' || unit == u'\r'; }
-
-// Copies a block and returns a bit for each unit at which a run in this place stops, the lowest for the first.
-#ifdef __SSE2__
-template <Place place>
-unsigned FindStops(const char16_t* from, char* to) {
-  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + kBlock / 2));
-  // Units that are no bytes become 0xFF or, from 0x8000 on, 0. A run stops at either everywhere.
-  const __m128i bytes = _mm_packus_epi16(low, high);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
-  // By their sign, bytes beyond ASCII are less than the lowest that does not stop.
-  __m128i stops = _mm_cmplt_epi8(bytes, _mm_set1_epi8((place & kQuoted) != 0 ? 0x20 : 1));
-  const auto stopAt = [&](char byte) { stops = _mm_or_si128(stops, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))); };
-  if constexpr ((place & (kContent | kTagBody | kQuoted)) != 0) stopAt('<');
-  if constexpr ((place & (kTagBody | kUpToAngle)) != 0) stopAt('>');
-  if constexpr ((place & kQuoted) != 0) stopAt('&');
-  if constexpr ((place & kQuoted) == 0) stopAt('\r');
-  if constexpr ((place & (kTagBody | kDoubleQuoted)) != 0) stopAt('"');
-  if constexpr ((place & (kTagBody | kSingleQuoted)) != 0) stopAt('\'');
-  return static_cast<unsigned>(_mm_movemask_epi8(stops));
-}
-#else
-template <Place place>
-unsigned FindStops(const char16_t* from, char* to) {
-  unsigned stops = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    to[i] = static_cast<char>(from[i]);
-    if (StopsAt(place, from[i])) stops |= 1u << i;
-  }
-  return stops;
-}
-#endif
 
 // The scan. Each `Copy` function reads from `in_` and writes to `out_`; it returns false when the scan is over before
 // its time, `status_` telling why.
@@ -183,18 +147,12 @@ class Preparation {
   bool CopyRun() {
     for (;;) {
       if (!Room()) return false;
-      if (end_ - in_ >= static_cast<std::ptrdiff_t>(kBlock)) {
-        const unsigned stops = FindStops<place>(in_, out_);
-        const int plain = stops == 0 ? static_cast<int>(kBlock) : std::countr_zero(stops);
-        in_ += plain;
-        out_ += plain;
-        if (stops == 0) continue;
-      } else {
-        while (in_ != end_ && !StopsAt(place, *in_)) {
-          *out_++ = static_cast<char>(*in_++);  // NOLINT(clang-analyzer-core.NullDereference): Room has seen to it
-        }
-        if (in_ == end_) return true;
+      const char16_t* const blockEnd = in_ + std::min(kBlock, static_cast<std::size_t>(end_ - in_));
+      while (in_ != blockEnd && !StopsAt(place, *in_)) {
+        *out_++ = static_cast<char>(*in_++);  // NOLINT(clang-analyzer-core.NullDereference): Room has seen to it
       }
+      if (in_ == end_) return true;
+      if (in_ == blockEnd) continue;
       if (*in_ == 0) return Refuse(u"A NUL stands in the document.");
       if constexpr ((place & kQuoted) != 0) {
         return true;
