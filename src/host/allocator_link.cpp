@@ -72,7 +72,11 @@ void* FallbackAllocator::AllocateClearedFirst(std::size_t count, std::size_t siz
 }
 
 void* FallbackAllocator::AllocateCleared(std::size_t count, std::size_t size) {
-  return AllocateClearedFirst(count, size);
+  std::size_t bytes;
+  if (__builtin_mul_overflow(count, size, &bytes)) return nullptr;
+  void* block = Allocate(bytes);
+  if (block) __builtin_memset(block, 0, bytes);
+  return block;
 }
 
 void FallbackAllocator::Free(void* block) {
@@ -82,11 +86,10 @@ void FallbackAllocator::Free(void* block) {
 void* FallbackAllocator::ReallocateFirst(void* block, std::size_t size) {
   if (!block) return AllocateFirst(size);
   if (*HeaderOf(block) != 0 || size > SIZE_MAX - sizeof(Header)) return nullptr;
-  void* memory = std::realloc(HeaderOf(block), size + sizeof(Header));
-  while (!memory && active && active != this && active->OutOfMemory(size)) {
-    memory = std::realloc(HeaderOf(block), size + sizeof(Header));
+  for (;;) {
+    if (void* memory = std::realloc(HeaderOf(block), size + sizeof(Header))) return HandOut(memory);
+    if (!active || active == this || !active->OutOfMemory(size)) return nullptr;
   }
-  return HandOut(memory);
 }
 
 void* FallbackAllocator::Reallocate(void* block, std::size_t size) { return ReallocateFirst(block, size); }

@@ -92,10 +92,10 @@ void MoveTo(Point p, bool relative) {
   path.userStart = path.userCurrent = path.lastControl = p;
   path.deviceStart = path.deviceCurrent = ToDevice(p);
   if (path.PathOpen) return;
+  PushCommand(KEY_PATH);
   path.PathOpen = 1;
   path.strokeSelected = 0;
   path.fillSelector = 0;
-  PushCommand(KEY_PATH);
 }
 
 void LineTo(Point p, bool relative) {

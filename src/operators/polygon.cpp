@@ -26,6 +26,7 @@ constexpr double kQuarterTurn = 1.570796313445772;
 constexpr double kAlmostFullTurn = 6.1;  // an arc that sweeps more ends on its start
 
 void BeginPolygon() {
+  DropPolygon();  // of a shape that found no memory
   run.currentPolygon = new (AllocateHost(sizeof(POLYGON))) POLYGON;
   POLYGON& polygon = *run.currentPolygon;
   polygon.flags = (polygon.flags & ~0xFu) | kPolygonInUse;
@@ -209,7 +210,12 @@ void ArcTo(Arc arc, bool relative) {
   const bool invertible = DevicePenToUser(&pen);
   if (!invertible) pen = path.userCurrent;
   if (relative) arc.end = {arc.end.x + pen.x, arc.end.y + pen.y};
-  if (!invertible || arc.rx == 0.0 || arc.ry == 0.0 || arc.end == pen) {
+  // Onto its own start: on its way to the user's space and back the pen would move by a rounding step.
+  if (invertible && arc.end == pen) {
+    EndArc();
+    return;
+  }
+  if (!invertible || arc.rx == 0.0 || arc.ry == 0.0) {
     StraightArc(arc.end);
     return;
   }

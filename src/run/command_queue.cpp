@@ -64,10 +64,12 @@ ImportCommand& NewRecord(CommandQueue& queue) {
   return *slot;
 }
 
+// The bytes behind the value are zero, whatever the slot held before.
 void PushSized(CommandKey key, std::uint32_t size, std::int32_t value) {
   ImportCommand& record = NewRecord(run.commands);
   record.key = key;
   record.size = size;
+  std::memset(record.bytes, 0, sizeof record.bytes);
   record.value = value;
 }
 

@@ -4,6 +4,7 @@
 
 #include "document/load.h"
 #include "document/node_access.h"
+#include "filter_limits.h"
 #include "host/application.h"
 #include "platform/host_path.h"
 #include "run/command_queue.h"
@@ -23,6 +24,7 @@ void ResetMachine() {
   InitialiseGraphicsState();
   run.path.lastControl = {0.0, 0.0};
   run.path.PathOpen = 0;
+  run.path.samplesLeft = kMaxImportSamples;
   run.text.TextAnchor = kStartAnchor;
 }
 

@@ -66,6 +66,7 @@ TEST_F(AllocatorSearch, TakesThePointerOfTheWindowWhoseTitleHoldsTheProcessId) {
   HostAllocatorLink link;
   FindHostAllocator(link);
   EXPECT_EQ(link.iface, &allocator);
+  EXPECT_EQ(link.fallback.active, &allocator);  // whose hook the fallback asks when it finds no memory
   EXPECT_EQ(link.library, nullptr);
   const std::u16string title = TitleFor(OwnId());
   EXPECT_EQ(journal.Take(),

@@ -185,4 +185,7 @@ TEST_F(Expansion, SamplesOfAllQuadraticsEndAtTheLimit) {
   EXPECT_EQ(run.path.samplesLeft, 0);
   Feed("7 500 7 1000 Q");
   EXPECT_EQ(Drain(), (Lines{"LINE 5,100 7,-900"}));
+  // Each import has its own.
+  StartMachine();
+  EXPECT_EQ(run.path.samplesLeft, kMaxImportSamples);
 }

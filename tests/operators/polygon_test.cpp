@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "host/polygon.h"
+#include "run/command_queue.h"
 #include "tests/support/filter_test.h"
 
 namespace {
@@ -54,6 +55,17 @@ TEST_F(RectangleOperator, ReadsMissingOperandsAsZero) {
   EXPECT_EQ(Run("rect"), Lines{"PLYR 1 : 0,100 0,100 0,100 0,100"});
   // The four upper ones of the six: x 20, y 10, rx 2, ry 1, cut to the width and height of 0.
   EXPECT_EQ(Run("20 10 2 1 rect"), Lines{"PLYR 1 : 20,90 20,90 20,90 20,90"});
+}
+
+TEST_F(RectangleOperator, WhoseRecordFindsNoMemoryIsGivenBackByTheNext) {
+  DestroyQueue(run.commands);
+  const std::size_t blocks = LiveCounts().blocks;
+  FailAllocation(2);  // behind the polygon's: the queue's table
+  EXPECT_THROW(Run("20 10 1 2 0 0 rect"), std::bad_alloc);
+  EXPECT_EQ(LiveCounts().blocks, blocks + 1);
+  EXPECT_EQ(Run("20 10 1 2 0 0 rect"), Lines{"PLYR 1 : 21,88 21,98 1,98 1,88"});
+  DestroyQueue(run.commands);
+  EXPECT_EQ(LiveCounts().blocks, blocks + 1);  // the record's
 }
 
 TEST_F(RectangleOperator, WithRoundCornersSamplesEachFromItsSecondAngle) {
@@ -415,6 +427,18 @@ TEST_F(ArcOperator, OntoItsOwnStartDrawsNothing) {
     SCOPED_TRACE(arc);
     EXPECT_EQ(Run(arc), Lines{"NULL"});
     EXPECT_EQ(run.path.deviceCurrent, (Point{3, 4}));
+  }
+}
+
+TEST_F(ArcOperator, OntoItsOwnStartLeavesThePenToTheLastBitUnderAnyMatrix) {
+  // On its way to the user's space and back this pen would move by a rounding step with each arc.
+  CurrentFrame().currentMatrix = {0.7, 0.1, -0.3, 1.1, 3.3, 4.7};
+  Run("12.1 33.7 M");
+  const Point pen = run.path.deviceCurrent;
+  for (const char* arc : {"5 5 0 0 1 0 0 a", "5 5 0 1 0 0 0 a", "0 5 0 0 1 0 0 a"}) {
+    SCOPED_TRACE(arc);
+    EXPECT_EQ(Run(arc), Lines{"NULL"});
+    EXPECT_EQ(run.path.deviceCurrent, pen);
   }
 }
 

@@ -64,6 +64,25 @@ TEST_F(CommandQueueTest, CopiesAllBytesOfARecord) {
   EXPECT_EQ(std::memcmp(&popped, &record, sizeof record), 0);
 }
 
+TEST_F(CommandQueueTest, AValueIsFollowedByZerosWhateverItsSlotHeldBefore) {
+  ImportCommand full;
+  std::memset(&full, 0xFF, sizeof full);
+  const auto bytesBehind = [&](auto push, std::int32_t value) {
+    PushCommand(full);
+    PopCommand(queue);
+    push();  // takes the same slot again
+    const ImportCommand record = PopCommand(queue);
+    EXPECT_EQ(record.value, value);
+    return std::vector<int>(record.bytes + sizeof value, std::end(record.bytes));
+  };
+  const std::vector<int> zeros(20, 0);
+  EXPECT_EQ(bytesBehind([] { PushCommand(KEY_PATH); }, 0), zeros);
+  EXPECT_EQ(bytesBehind([] { PushCommand(KEY_ENDP); }, 0), zeros);
+  EXPECT_EQ(bytesBehind([] { PushValue(KEY_SGRP, 1); }, 1), zeros);
+  EXPECT_EQ(bytesBehind([] { PushValue(KEY_EGRP, 1); }, 1), zeros);
+  EXPECT_EQ(bytesBehind([] { PushMarker(KEY_CLIP, 1); }, 1), zeros);
+}
+
 TEST_F(CommandQueueTest, APopThatEmptiesTheQueueGoesBackToTheFirstSlotAndItsMemory) {
   Push(3);
   ImportCommand* const first = queue.slots[0];
@@ -123,6 +142,49 @@ TEST_F(CommandQueueTest, GrowingKeepsTheHeadAndPutsWhatHadWrappedRoundBehindTheO
   EXPECT_EQ(queue.slots[12]->value, 12);
   EXPECT_EQ(queue.slots[13], nullptr);
   ExpectNext(5, 8);
+}
+
+// A table is cleared in pieces as its entries come into use: an entry that was never written must not be read, and one
+// that is in use must not be cleared.
+TEST_F(CommandQueueTest, LargeTablesGrowWithTheirHeadAnywhere) {
+  struct Dirty : RecordingAllocator {
+    void* Allocate(std::size_t size) override {
+      void* block = RecordingAllocator::Allocate(size);
+      std::memset(block, 0xA5, size);
+      return block;
+    }
+  };
+  for (const int capacity : {512, 1024}) {
+    for (const int head : {1, 255, 511, 512, 513, 600, 1023}) {
+      if (head >= capacity) continue;
+      SCOPED_TRACE(testing::Message() << "head " << head << " of " << capacity);
+      Dirty dirty;
+      HostAllocator* const before = std::exchange(run.allocator.iface, &dirty);
+      int pushed = 0;
+      int popped = 0;
+      const auto push = [&] { PushValue(KEY_FILL, pushed++); };
+      const auto pop = [&] { ASSERT_EQ(PopCommand(queue).value, popped++); };
+      while (queue.capacity < static_cast<std::size_t>(capacity)) push();
+      while (queue.count > 1) pop();
+      while (queue.head != static_cast<std::size_t>(head)) {
+        push();
+        pop();
+      }
+      while (queue.capacity == static_cast<std::size_t>(capacity)) push();
+      EXPECT_EQ(queue.head, static_cast<std::size_t>(head));
+      for (int i = 0; i < 2 * capacity; ++i) {
+        push();
+        pop();
+      }
+      while (queue.count > 0) pop();
+      EXPECT_EQ(popped, pushed);
+      DestroyQueue(queue);
+      run.allocator.iface = before;
+      std::sort(dirty.blocks.begin(), dirty.blocks.end());
+      std::sort(dirty.freed.begin(), dirty.freed.end());
+      EXPECT_EQ(dirty.freed, dirty.blocks);
+    }
+  }
 }
 
 TEST_F(CommandQueueTest, ATableTooLargeForTheSizeArithmeticFailsWithItsText) {
@@ -289,8 +351,7 @@ TEST_F(PathRollBack, DoesNotFreeWhatTheRecordsCarried) {
   FreeHost(width.data);
 }
 
-// Every place of the head and of the path in the ring, growth with a head past the table included, against a plain
-// list.
+// Every place of the head and of the path in the ring, against a plain list.
 TEST_F(PathRollBack, AgreesWithAPlainListWhateverCameBefore) {
   struct Entry {
     std::uint32_t key;

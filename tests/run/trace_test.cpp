@@ -457,6 +457,23 @@ TEST_F(DebugLogs, AreNotTouchedUnlessDebugIsOne) {
   }
 }
 
+TEST_F(DebugLogs, AreLeftAloneAtTheEndUnlessDebugIsOne) {
+  for (int debug : {0, 2, -1}) {
+    SCOPED_TRACE(debug);
+    ResetImportRun();
+    SetHostSetting(u"ZENTAL", u"debug", debug);
+    ImportBody("<g/>");
+    const int log = memfd_create("log", MFD_CLOEXEC);
+    ASSERT_GE(log, 0);
+    run.trace.TestLog = run.trace.ParseLog = run.trace.DiscioLog = run.trace.TraceHandle = log;
+    CloseFile();
+    EXPECT_EQ(lseek(log, 0, SEEK_END), 0);  // open still, with nothing in it
+    EXPECT_EQ(run.trace.TraceFailed, 0u);
+    close(log);
+    run.trace = TraceLog();
+  }
+}
+
 TEST_F(DebugLogs, StartWithTheLatchOff) {
   logs.Make();
   run.trace.TraceFailed = 1;

@@ -301,6 +301,21 @@ TEST_F(PathData, CommandsBehindASmoothCurveKeepTheirMeaning) {
                 "1 1 M 9 5 L 2 2 tp 1 2 3 4 5 6 c 1 2 3 4 sc 5 h 4 4 m 3 3 l");
 }
 
+// A number that is not plain to its end goes the way of the operator text, where the unit behind it is lost and what
+// follows is a number of its own.
+TEST_F(PathData, ANumberThatGoesOnBehindAnotherIsTwo) {
+  ExpectProgram("M5 5L1 1.5.5", "5 5 M 1 1.5 5 L");
+  ExpectProgram("M5 5L1 2+3", "5 5 M 1 2 3 L");
+  ExpectProgram("M5 5L1 2/3", "5 5 M 1 2 3 L");
+  ExpectProgram("M5 5L1 2*3", "5 5 M 1 2 3 L");
+  ExpectProgram("M5 5H7+6", "5 5 M 7 6 H");
+  ExpectProgram("M5 5V7/6", "5 5 M 7 6 V");
+  ExpectProgram("M5 5h7*6", "5 5 M 7 6 h");
+  ExpectProgram("M5 5C1 2 3 4 5 6+7", "5 5 M 1 2 3 4 5 6 7 C");
+  ExpectProgram("M5 5S1 2 3 4/7", "5 5 M 1 2 3 4 7 Sc");
+  ExpectProgram("M5 5Q30 2 3 4*7", "5 5 M 30 2 3 4 7 Q");
+}
+
 // Commands of all letters, with every way to part their numbers and with letters left out where they repeat.
 TEST_F(PathData, RandomCommandsBecomeTheirProgram) {
   struct Command {
@@ -574,7 +589,6 @@ TEST_F(PathData, ThePathsFrameEndsWithIt) {
 }
 
 TEST_F(PathData, TheDocumentKeepsItsTextForASecondTranslation) {
-  // Repeats are written into a copy of the data.
   Load("<path d='M10 20 30 40'/>");
   TranslatePath(run.NodeList.At(0));
   const Lines once = Drain();

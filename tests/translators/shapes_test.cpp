@@ -261,6 +261,16 @@ TEST_F(Shapes, ControlsBetweenPointsAreSkipped) {
 TEST_F(Shapes, ALineEndRightBehindAPointJoinsItWithTheNextNumber) {
   // "5,1 line feed 10,2": the second number is 110; what is left of the second point is 2, no line.
   ExpectPoints("5,1&#10;10,2 7,8", "5 110 M 7 8 L", "5 110 L");
+  ExpectPoints("5,1&#13;10,2 7,8", "5 110 M 7 8 L", "5 110 L");
+  ExpectPoints("5,1&#9;10,2 7,8", "5 110 M 7 8 L", "5 110 L");
+}
+
+TEST_F(Shapes, ANumberThatGoesOnBehindAnotherIsTwo) {
+  // The unit behind the first is lost in the operator text.
+  ExpectPoints("5,5 1,2/3", "5 5 M 1 2 3 L", "5 5 L");
+  ExpectPoints("5,5 1,2*3", "5 5 M 1 2 3 L", "5 5 L");
+  ExpectPoints("5,5 1,2+3", "5 5 M 1 2 3 L", "5 5 L");
+  ExpectPoints("5,5 1,2.5.3", "5 5 M 1 2.5 3 L", "5 5 L");
 }
 
 TEST_F(Shapes, APointInANumberNeverSplitsIt) {
@@ -342,6 +352,9 @@ TEST_F(Shapes, RectWritesWidthHeightXYAndBothRadii) {
       {"width='10' height='20' rx='3' ry='c'", "0 10 20 0 0 3 rect"},
       // Each is one number.
       {"width='10 11' height='20,21' x='1-2'", "10 20 1 0 0 0 rect"},
+      // The unit behind a number is lost, and what follows is a number of its own.
+      {"width='10+11' height='20'", "10 11 20 0 0 0 0 rect"},
+      {"width='10' height='20/21'", "10 20 21 0 0 0 0 rect"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.attributes);
