@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "host/application.h"
@@ -27,6 +28,8 @@ void* HandOut(void* memory) {
   *header = 0;
   return header + 1;
 }
+
+void* Cleared(void* block, std::size_t bytes) { return block ? std::memset(block, 0, bytes) : nullptr; }
 
 }  // namespace
 
@@ -65,18 +68,12 @@ void* FallbackAllocator::Allocate(std::size_t size) { return AllocateFirst(size)
 
 void* FallbackAllocator::AllocateClearedFirst(std::size_t count, std::size_t size) {
   std::size_t bytes;
-  if (__builtin_mul_overflow(count, size, &bytes)) return nullptr;
-  void* block = AllocateFirst(bytes);
-  if (block) __builtin_memset(block, 0, bytes);
-  return block;
+  return __builtin_mul_overflow(count, size, &bytes) ? nullptr : Cleared(AllocateFirst(bytes), bytes);
 }
 
 void* FallbackAllocator::AllocateCleared(std::size_t count, std::size_t size) {
   std::size_t bytes;
-  if (__builtin_mul_overflow(count, size, &bytes)) return nullptr;
-  void* block = Allocate(bytes);
-  if (block) __builtin_memset(block, 0, bytes);
-  return block;
+  return __builtin_mul_overflow(count, size, &bytes) ? nullptr : Cleared(Allocate(bytes), bytes);
 }
 
 void FallbackAllocator::Free(void* block) {
