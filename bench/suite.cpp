@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -38,7 +39,7 @@ constexpr char kHelp[] =
     "  --quick        everything at a tenth of its size\n"
     "  --rows NAMES   these works alone, separated by commas: clipart (the drawings of Debian's openclipart-svg, also\n"
     "                 against librsvg), path, shapes, groups, gradients, texts, one-path, short-paths\n"
-    "  --passes N     passes of each measurement, 5 by default\n"
+    "  --passes N     passes of each measurement, 10 by default\n"
     "  --keep FOLDER  leave the drawings that the benchmark makes there, for a profiler\n"
     "\n"
     "Exit status: 0 when everything was measured, whatever the verdicts; 1 when a measurement failed; 2 for wrong\n"
@@ -65,17 +66,17 @@ constexpr Work kWorks[] = {
 };
 
 constexpr std::size_t kClipartFiles = 3000;
+constexpr std::size_t kPiece = 25;  // drawings that are timed together
 constexpr double kMostFloors = 2.5;
 constexpr double kLeastTimesFaster = 6.0;
 constexpr double kMostLoadMilliseconds = 1.0;
 constexpr double kMostWhenDoubled = 2.1;
-constexpr int kPassesWhenDoubled = 2;  // times the others': the target leaves a twentieth for disturbances
 constexpr double kMostMemory = 7.0;
 
 struct Options {
   std::size_t divisor = 1;
   std::string rows;
-  int passes = 5;
+  int passes = 10;
   std::string folder;
   bool keep = false;
 
@@ -115,31 +116,35 @@ void MeasureClipart(const Options& options, Tables& tables) {
     Result measured{};
     measured.files = drawings.size();
     for (const DrawingFile& drawing : drawings) measured.bytes += static_cast<double>(drawing.bytes.size());
-    measured.load = std::numeric_limits<double>::infinity();
-    const auto import = [&] {
+
+    const std::size_t pieces = (drawings.size() + kPiece - 1) / kPiece;
+    const auto forEachDrawing = [&](std::size_t piece, auto work) {
+      for (std::size_t i = piece * kPiece; i < std::min(drawings.size(), (piece + 1) * kPiece); ++i) work(drawings[i]);
+    };
+    BestPieces loads(pieces);
+    const auto import = [&](std::size_t piece) {
       double imported = 0.0;
       const double all = SecondsOf([&] {
-        for (const DrawingFile& drawing : drawings) {
+        forEachDrawing(piece, [&](const DrawingFile& drawing) {
           FilterInstance filter;
           imported += SecondsOf([&] { filter.Import(drawing.path); });
-        }
-      });
-      measured.load = std::min(measured.load, all - imported);
-      return imported;
-    };
-    XmlFloor floor;
-    measured.floor = BestOfBoth(options.passes, import, [&] {
-      return SecondsOf([&] {
-        for (const DrawingFile& drawing : drawings) floor.Parse(drawing.bytes);
-      });
-    });
-    if (HasRsvg()) {
-      measured.rsvg = BestOfBoth(options.passes, import, [&] {
-        return SecondsOf([&] {
-          for (const DrawingFile& drawing : drawings) LoadWithRsvg(drawing.bytes);
         });
       });
-    }
+      loads.Note(piece, all - imported);
+      return imported;
+    };
+    const auto against = [&](auto other) {
+      BestPieces imports(pieces), others(pieces);
+      for (int pass = 0; pass < options.passes; ++pass) {
+        for (std::size_t i = 0; i < pieces; ++i) imports.Note(i, import(i));
+        for (std::size_t i = 0; i < pieces; ++i) others.Note(i, SecondsOf([&] { forEachDrawing(i, other); }));
+      }
+      return BestPair{imports.Sum(), others.Sum()};
+    };
+    XmlFloor floor;
+    measured.floor = against([&](const DrawingFile& drawing) { floor.Parse(drawing.bytes); });
+    if (HasRsvg()) measured.rsvg = against([](const DrawingFile& drawing) { LoadWithRsvg(drawing.bytes); });
+    measured.load = loads.Sum();
     return measured;
   });
   if (result.files == 0) {
@@ -247,7 +252,7 @@ void MeasureDoubled(const Options& options, const Work& work, std::size_t size, 
   // A process for each import: one that is done again in the same process finds its memory warm as long as it is small.
   const auto fresh = [](const std::string& name) { return InChild([&] { return ImportSeconds(ImportPath(name)); }); };
   const BestPair best = BestOfBoth(
-      options.passes * kPassesWhenDoubled, [&] { return fresh(small); }, [&] { return fresh(large); });
+      options.passes, [&] { return fresh(small); }, [&] { return fresh(large); });
   const double ratio = best.second / best.first;
   TableRow row = {work.againstHalf ? "- against half the size" : "- twice the size",
                   Megabytes(static_cast<double>(std::filesystem::file_size(large))), Milliseconds(best.second),

@@ -4,7 +4,9 @@
 #include <ctime>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 // The processor time of this thread, in seconds: what else the machine is doing does not count.
 inline double ThreadSeconds() {
@@ -35,3 +37,21 @@ BestPair BestOfBoth(int passes, First first, Second second) {
   }
   return best;
 }
+
+// The best times of the pieces of a work, of which each pass does all in turn. A disturbance then spoils a piece of a
+// pass and not all of it, however long a pass takes.
+class BestPieces {
+ public:
+  explicit BestPieces(std::size_t count) : seconds_(count, std::numeric_limits<double>::infinity()) {}
+
+  void Note(std::size_t piece, double seconds) { seconds_[piece] = std::min(seconds_[piece], seconds); }
+
+  double Sum() const {
+    double sum = 0.0;
+    for (const double seconds : seconds_) sum += seconds;
+    return sum;
+  }
+
+ private:
+  std::vector<double> seconds_;
+};
