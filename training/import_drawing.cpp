@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "headless_host/headless_host.h"
-#include "run/entry_points.h"
+#include "run/import_command.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) return std::fputs("usage: svgimport-training FILE\n", stderr), 2;

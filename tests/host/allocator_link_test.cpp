@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -98,6 +99,21 @@ TEST_F(AllocatorSearch, IsMadeOnceForAllAsTheFilterIsLoaded) {
 }
 
 // --- The fallback
+
+TEST_F(AllocatorSearch, TheFallbacksClearedFormsEachGoThroughTheirPlainOne) {
+  struct Counting : FallbackAllocator {
+    void* AllocateFirst(std::size_t size) override { return ++first, std::calloc(1, size); }
+    void* Allocate(std::size_t size) override { return ++second, std::calloc(1, size); }
+    int first = 0;
+    int second = 0;
+  } allocator;
+  std::free(allocator.AllocateClearedFirst(3, 5));
+  EXPECT_EQ(allocator.first, 1);
+  EXPECT_EQ(allocator.second, 0);
+  std::free(allocator.AllocateCleared(3, 5));
+  EXPECT_EQ(allocator.first, 1);
+  EXPECT_EQ(allocator.second, 1);
+}
 
 TEST_F(AllocatorSearch, FallsBackOnTheFiltersOwnAndTheImportRunsWhole) {
   UnregisterAllocator();

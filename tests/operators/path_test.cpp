@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "operators/graphics_state.h"
+#include "run/command_queue.h"
 #include "tests/support/filter_test.h"
 
 namespace {
@@ -58,6 +60,14 @@ TEST_F(MoveOperators, MoveSetsAllPoints) {
 TEST_F(MoveOperators, MoveOntoThePenMovesNothing) {
   EXPECT_EQ(Run("0 0 M 0 0 M"), Lines({"PATH"}));
   EXPECT_EQ(path.userCurrent, (Point{0, 0}));
+}
+
+TEST_F(MoveOperators, APathWhoseRecordFindsNoMemoryIsNotOpen) {
+  DestroyQueue(run.commands);
+  FailAllocation(1);  // the queue's table
+  EXPECT_THROW(Feed("1 2 M"), std::bad_alloc);
+  EXPECT_EQ(path.PathOpen, 0u);
+  EXPECT_EQ(Run("1 2 M"), Lines({"PATH"}));
 }
 
 TEST_F(MoveOperators, OpeningMoveClearsTheSelectors) {
