@@ -18,18 +18,16 @@ constexpr std::size_t kFirstSlots = 256;
 
 }  // namespace
 
-XmlName* XmlNames::Find(std::u16string_view full, std::uint32_t hash) const {
+XmlName* XmlNames::Find(const Key& key) const {
   if (slots_.empty()) return nullptr;
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t i = hash & mask; slots_[i].name != nullptr; i = (i + 1) & mask) {
-    if (slots_[i].hash == hash && IsSameText(slots_[i].name->full, full)) return slots_[i].name;
+  for (std::size_t i = key.hash & mask; slots_[i].name != nullptr; i = (i + 1) & mask) {
+    if (slots_[i].hash == key.hash && IsSameText(slots_[i].name->full, key.full)) return slots_[i].name;
   }
   return nullptr;
 }
 
-XmlName* XmlNames::Intern(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset) {
-  const std::uint32_t hash = Hash(full);
-  if (XmlName* const known = Find(full, hash)) return known;
+XmlName* XmlNames::Add(XmlArena& arena, const Key& key, std::uint32_t localOffset) {
   if (2 * (count_ + 1) > slots_.size()) {
     std::vector<Slot> former(slots_.empty() ? kFirstSlots : 2 * slots_.size());
     former.swap(slots_);
@@ -37,14 +35,16 @@ XmlName* XmlNames::Intern(XmlArena& arena, std::u16string_view full, std::uint32
       if (slot.name != nullptr) slots_[FreePlace(slot.hash)] = slot;
     }
   }
-  auto* const name = new (arena.Allocate(sizeof(XmlName))) XmlName{tree_, full, localOffset};
-  slots_[FreePlace(hash)] = {hash, name};
+  auto* const name = new (arena.Allocate(sizeof(XmlName))) XmlName{tree_, key.full, localOffset};
+  slots_[FreePlace(key.hash)] = {key.hash, name};
   ++count_;
-  if (localOffset == 0) return name;
-  if (!full.starts_with(kDeclarationStart)) {
-    name->declaration = Declaration(arena, full.substr(0, localOffset - 1));
-  } else if (name->Local() == u"xml"sv) {
-    name->uri = kXmlNamespace;  // in every document
+  if (localOffset == 0) {
+    name->declares = key.full == u"xmlns"sv;
+  } else if (!key.full.starts_with(kDeclarationStart)) {
+    name->declaration = Declaration(arena, key.full.substr(0, localOffset - 1));
+  } else {
+    name->declares = true;
+    if (name->Local() == u"xml"sv) name->uri = kXmlNamespace;  // in every document
   }
   return name;
 }
@@ -53,11 +53,13 @@ XmlName* XmlNames::Declaration(XmlArena& arena, std::u16string_view prefix) {
   char16_t* const text = arena.TextRoom(kDeclarationStart.size() + prefix.size());
   std::copy(prefix.begin(), prefix.end(), std::copy(kDeclarationStart.begin(), kDeclarationStart.end(), text));
   arena.LengthenText(kDeclarationStart.size() + prefix.size());
-  if (XmlName* const known = Find(arena.OpenText())) {
+  const Key key = KeyOf(arena.OpenText());
+  if (XmlName* const known = Find(key)) {
     arena.DropText();
     return known;
   }
-  return Intern(arena, arena.CloseText(), static_cast<std::uint32_t>(kDeclarationStart.size()));
+  arena.CloseText();
+  return Add(arena, key, static_cast<std::uint32_t>(kDeclarationStart.size()));
 }
 
 void XmlNames::Clear() {
@@ -73,13 +75,16 @@ std::uint32_t XmlNames::Hash(std::u16string_view text) const {
     hash ^= hash >> 32;
   };
   constexpr std::size_t kWord = sizeof(std::uint64_t) / sizeof(char16_t);
-  std::uint64_t word;
-  for (; text.size() >= kWord; text.remove_prefix(kWord)) {
-    std::memcpy(&word, text.data(), sizeof word);
-    mix(word);
+  std::uint64_t word = 0;
+  if (text.size() < kWord) {
+    for (const char16_t unit : text) word = word << 16 | unit;
+  } else {
+    for (std::size_t i = 0; i + kWord < text.size(); i += kWord) {
+      std::memcpy(&word, text.data() + i, sizeof word);
+      mix(word);
+    }
+    std::memcpy(&word, text.data() + text.size() - kWord, sizeof word);
   }
-  word = 0;
-  for (const char16_t unit : text) word = word << 16 | unit;
   mix(word);
   return static_cast<std::uint32_t>(hash);
 }

@@ -18,6 +18,7 @@ struct XmlName {
   std::u16string_view full;
   std::uint32_t localOffset = 0;
   std::uint32_t lastTag = 0;       // the last start tag, counted from 1, with an attribute of this name
+  bool declares = false;           // "xmlns" or "xmlns:p"
   XmlName* declaration = nullptr;  // for a name with the prefix p, that of the attribute xmlns:p
   std::u16string_view uri = {};    // for a declaration, what it says where the load is; empty where it is not made
   const XmlName* local = nullptr;  // for a name with a prefix, its local part as a name; null until it is asked for
@@ -27,13 +28,20 @@ struct XmlName {
 
 class XmlNames {
  public:
+  struct Key {
+    std::u16string_view full;
+    std::uint32_t hash;
+  };
+
   explicit XmlNames(XmlTree* tree) : tree_(tree) {}
 
-  // The name of this text; null if there is none.
-  XmlName* Find(std::u16string_view full) const { return Find(full, Hash(full)); }
+  Key KeyOf(std::u16string_view full) const { return {full, Hash(full)}; }
 
-  // The same, which is added where there is none. The text stays valid as long as the arena, where the name will lie.
-  XmlName* Intern(XmlArena& arena, std::u16string_view full, std::uint32_t localOffset);
+  // The name of this text; null if there is none.
+  XmlName* Find(const Key& key) const;
+
+  // A name that is not there yet. Its text stays valid as long as the arena, where the name will lie.
+  XmlName* Add(XmlArena& arena, const Key& key, std::uint32_t localOffset);
 
   void Clear();
 
@@ -44,7 +52,6 @@ class XmlNames {
   };
 
   std::uint32_t Hash(std::u16string_view text) const;
-  XmlName* Find(std::u16string_view full, std::uint32_t hash) const;
   std::size_t FreePlace(std::uint32_t hash) const;
   XmlName* Declaration(XmlArena& arena, std::u16string_view prefix);
 

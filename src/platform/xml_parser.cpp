@@ -87,12 +87,13 @@ class LibraryNames {
     const auto localOffset = static_cast<std::uint32_t>(end - start);
     end = Widen(localName.data(), localName.data() + localName.size(), end);
     tree.arena.LengthenText(static_cast<std::size_t>(end - start));
-    if (XmlName* const known = tree.names.Find(tree.arena.OpenText())) {
+    const XmlNames::Key key = tree.names.KeyOf(tree.arena.OpenText());
+    if (XmlName* const known = tree.names.Find(key)) {
       tree.arena.DropText();
       return known;
     }
-    const std::u16string_view full = tree.arena.CloseText();
-    return tree.names.Intern(tree.arena, full, localOffset);
+    tree.arena.CloseText();
+    return tree.names.Add(tree.arena, key, localOffset);
   }
 
   static Slot* Place(std::vector<Slot>& slots, const xmlChar* prefix, const xmlChar* localName) {

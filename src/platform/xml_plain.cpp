@@ -267,19 +267,17 @@ class PlainReader {
     if (!(quote == u'"' ? ReadPiece<'"', '<', '&'>(&value) : ReadPiece<'\'', '<', '&'>(&value))) return false;
     if (in_ == end_ || *in_ != quote) return false;
     ++in_;
-    // What is said of every document is not kept.
-    if (IsSameText(name->full, u"xmlns:xml"sv)) return value == kXmlNamespace;
+    if (name->declares) return Declare(name, value);
     builder_.AddAttribute(name, value);
-    if (name->declaration != nullptr) {
-      prefixedNames_[prefixed_++] = name;
-      return prefixed_ != kMostPrefixed;
-    }
-    return !name->full.starts_with(u"xmlns"sv) || Declare(name, value);
+    if (name->declaration == nullptr) return true;
+    prefixedNames_[prefixed_++] = name;
+    return prefixed_ != kMostPrefixed;
   }
 
-  // An attribute whose name begins with "xmlns", and which may be a declaration.
   bool Declare(XmlName* name, std::u16string_view uri) {
-    if (name->localOffset == 0 && name->full.size() != u"xmlns"sv.size()) return true;
+    // What is said of every document is not kept.
+    if (name->full == u"xmlns:xml"sv) return uri == kXmlNamespace;
+    builder_.AddAttribute(name, uri);
     if (uri == kXmlNamespace || uri == kDeclarationNamespace) return false;
     if (name->localOffset == 0) return true;  // what has no prefix needs no declaration
     if (uri.empty() || name->Local() == u"xmlns"sv) return false;
@@ -333,11 +331,12 @@ class PlainReader {
     const std::size_t mixed = text.front() + 4u * text.back() + 8u * text[text.size() / 2] + 32 * text.size();
     XmlName*& recent = recent_[mixed % std::size(recent_)];
     if (recent != nullptr && IsSameText(recent->full, text)) return recent;
-    XmlName* known = tree_.names.Find(text);
+    const XmlNames::Key key = tree_.names.KeyOf(text);
+    XmlName* known = tree_.names.Find(key);
     if (known == nullptr) {
       std::size_t localOffset = 0;
       if (text.size() > kMostNameUnits || !IsName(text, &localOffset)) return nullptr;
-      known = tree_.names.Intern(tree_.arena, text, static_cast<std::uint32_t>(localOffset));
+      known = tree_.names.Add(tree_.arena, key, static_cast<std::uint32_t>(localOffset));
     }
     return recent = known;
   }
