@@ -20,17 +20,16 @@ constexpr std::uint32_t kIdBits = (kMaxIdUnits + 1) * kUnitBits;
 // An id or a reference without its case, and zeros behind it.
 struct FoldedId {
   explicit FoldedId(std::u16string_view id) { std::transform(id.begin(), id.end(), units, LowerUnit); }
-  explicit FoldedId(const DefinitionRecord& record) : FoldedId({record.id, std::size(record.id)}) {}
 
   std::uint32_t Bit(std::uint32_t bit) const { return (units[bit / kUnitBits] >> bit % kUnitBits) & 1u; }
 
   char16_t units[kMaxIdUnits + 1] = {};
 };
 
-// The first bit in which the two differ, or kIdBits.
-std::uint32_t FirstDifference(const FoldedId& a, const FoldedId& b) {
-  for (std::uint32_t i = 0; i <= kMaxIdUnits; ++i) {
-    const auto bits = static_cast<unsigned>(a.units[i] ^ b.units[i]);
+// The first bit in which the id of a record differs from one of so many units, or kIdBits.
+std::uint32_t FirstDifference(const FoldedId& id, std::size_t units, const DefinitionRecord& record) {
+  for (std::uint32_t i = 0; i <= units; ++i) {
+    const auto bits = static_cast<unsigned>(id.units[i] ^ LowerUnit(record.id[i]));
     if (bits != 0) return i * kUnitBits + static_cast<std::uint32_t>(std::countr_zero(bits));
   }
   return kIdBits;
@@ -72,7 +71,7 @@ void Record(DefinitionTable& table, IXMLDOMNode* node, std::int32_t kind) {
   std::uint32_t bit = kIdBits;
   if (place > 0) {
     const DefinitionRecord& nearest = table.records[~Follow(table, folded, kIdBits)];
-    bit = FirstDifference(folded, FoldedId(nearest));
+    bit = FirstDifference(folded, id.size(), nearest);
     if (bit == kIdBits && (nearest.node == node || !table.repeats.insert(node).second)) {
       node->Release();
       return;
