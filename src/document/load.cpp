@@ -56,17 +56,13 @@ void KeepText(std::unique_ptr<char[]> text, std::size_t size, std::size_t blockS
   run.file.blockSize = blockSize;
 }
 
-// The first place of `word`, or `end`.
-const char* FindWord(const char* text, const char* end, std::string_view word) {
-  for (; text != end; ++text) {
-    text = static_cast<const char*>(std::memchr(text, word[0], static_cast<std::size_t>(end - text)));
-    if (!text) return end;
-    if (std::string_view(text, static_cast<std::size_t>(end - text)).starts_with(word)) return text;
-  }
-  return end;
+// The first place of `word` in front of any NUL; null for none.
+const char* FindWord(const char* text, std::size_t size, std::string_view word) {
+  const std::string_view bytes(text, size);
+  const std::size_t found = bytes.find(word);
+  if (found == std::string_view::npos || std::memchr(text, 0, found)) return nullptr;
+  return text + found;
 }
-
-const char* EndOfText(const char* text, std::size_t size) { return text + strnlen(text, size); }
 
 bool IsDigitByte(char c) { return c >= '0' && c <= '9'; }
 
@@ -115,22 +111,22 @@ bool ReadForLoading(const char16_t* path) {
 }
 
 void BlankDoctype(char* text, std::size_t size) {
-  const char* const end = EndOfText(text, size);
-  const char* found = FindWord(text, end, "!DOCTYPE");
-  if (found == end) return;
+  const char* const found = FindWord(text, size, "!DOCTYPE");
+  if (!found) return;
+  const char* const end = text + size;
   char* c = text + (found - text);
   while (c > text && *c != '<') --c;
-  for (; c != end && *c != '>'; ++c) *c = ' ';
-  if (c != end) *c = '\n';
+  for (; c != end && *c != 0 && *c != '>'; ++c) *c = ' ';
+  if (c != end && *c != 0) *c = '\n';
 }
 
 bool IsInMillimetres(const char* text, std::size_t size) {
   constexpr std::string_view kWord = "width";
-  const char* const end = EndOfText(text, size);
-  const char* c = FindWord(text, end, kWord);
-  if (c == end) return false;
+  const char* c = FindWord(text, size, kWord);
+  if (!c) return false;
+  const char* const end = text + size;
   c += kWord.size();
-  while (c != end && !IsDigitByte(*c)) ++c;
+  while (c != end && *c != 0 && !IsDigitByte(*c)) ++c;
   while (c != end && (IsDigitByte(*c) || *c == '.')) ++c;
   while (c != end && *c == ' ') ++c;
   return c != end && *c == 'm';

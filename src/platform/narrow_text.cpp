@@ -49,13 +49,12 @@ void AppendCodePoint(std::string& utf8, std::uint32_t codePoint) {
 }  // namespace
 
 void WidenNarrow(std::string_view narrow, char16_t* wide) {
-  const char* from = narrow.data();
-  for (const char* const end = from + narrow.size(); from != end;) {
-    const std::size_t count = std::min(kAsciiBlock, static_cast<std::size_t>(end - from));
-    if (count < kAsciiBlock || !WidenBlock(from, wide)) std::transform(from, from + count, wide, WideUnit);
-    from += count;
-    wide += count;
+  std::size_t i = 0;
+  for (; narrow.size() - i >= kAsciiBlock; i += kAsciiBlock) {
+    const char* const block = narrow.data() + i;
+    if (!WidenBlock(block, wide + i)) std::transform(block, block + kAsciiBlock, wide + i, WideUnit);
   }
+  for (; i != narrow.size(); ++i) wide[i] = WideUnit(narrow[i]);
 }
 
 std::u16string WideFromNarrow(std::string_view narrow) {
