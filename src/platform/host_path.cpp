@@ -13,20 +13,25 @@ namespace {
 
 constexpr char16_t kSeparators[] = u"/\\";
 
-// Calls `take` with the native name of each spelling in turn, until it returns true. Returns whether it did.
+// Calls `take` with the native names of one spelling, until it returns true. Returns whether it did.
+template <typename Take>
+bool TrySpelling(std::u16string_view spelling, Take take) {
+  const std::string utf8 = Utf8FromWide(spelling);
+  const bool ascii = utf8.size() == spelling.size();  // which is the same in every encoding
+  if ((ascii || WideFromUtf8(utf8) == spelling) && take(utf8)) return true;
+  if (ascii) return false;
+  const std::string narrow = NarrowFromWide(spelling);
+  return narrow != utf8 && WideFromNarrow(narrow) == spelling && take(narrow);
+}
+
+// The same for all spellings of a path in turn.
 template <typename Take>
 bool TrySpellings(std::u16string_view path, Take take) {
   if (path.empty() || path.find(u'\0') != std::u16string_view::npos) return false;
+  if (TrySpelling(path, take)) return true;
   std::u16string slashed(path);
   std::replace(slashed.begin(), slashed.end(), u'\\', u'/');
-  for (const std::u16string_view spelling : {path, std::u16string_view(slashed)}) {
-    const std::string utf8 = Utf8FromWide(spelling);
-    if (WideFromUtf8(utf8) == spelling && take(utf8)) return true;
-    const std::string narrow = NarrowFromWide(spelling);
-    if (narrow != utf8 && WideFromNarrow(narrow) == spelling && take(narrow)) return true;
-    if (slashed == path) break;
-  }
-  return false;
+  return slashed != path && TrySpelling(slashed, take);
 }
 
 // Opens without waiting for the other end of a pipe. Returns -1 for anything but a regular file.
