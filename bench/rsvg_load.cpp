@@ -2,20 +2,19 @@
 
 #ifdef SVGIMPORT_BENCH_RSVG
 
-#include <librsvg/rsvg.h>
+#include <dlfcn.h>
 
-bool HasRsvg() { return true; }
+#include <stdexcept>
 
-bool LoadWithRsvg(std::string_view bytes) {
-  RsvgHandle* handle = rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr);
-  if (!handle) return false;
-  g_object_unref(handle);
-  return true;
+RsvgLoad* FindRsvg() {
+  void* module = dlopen(SVGIMPORT_BENCH_RSVG, RTLD_NOW | RTLD_LOCAL);
+  void* load = module ? dlsym(module, "LoadWithRsvg") : nullptr;
+  if (!load) throw std::runtime_error(dlerror());
+  return reinterpret_cast<RsvgLoad*>(load);
 }
 
 #else
 
-bool HasRsvg() { return false; }
-bool LoadWithRsvg(std::string_view) { return false; }
+RsvgLoad* FindRsvg() { return nullptr; }
 
 #endif
