@@ -53,7 +53,7 @@ void* SlabPool::TakeLarge(std::size_t size) {
   return header + 1;
 }
 
-[[gnu::noinline]] void SlabPool::GiveLarge(void* block) { std::free(kWatched ? block : HeaderOf(block)); }
+void SlabPool::GiveLarge(void* block) { std::free(kWatched ? block : HeaderOf(block)); }
 
 std::size_t SlabPool::SizeOf(void* block) const {
   if (block == nullptr) return 0;
