@@ -36,7 +36,8 @@ XmlFloor::~XmlFloor() { xmlFreeParserCtxt(context_); }
 
 long XmlFloor::Parse(std::string_view bytes) {
   elements = 0;
-  constexpr int kOptions = XML_PARSE_HUGE | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_IGNORE_ENC;
+  constexpr int kOptions =
+      XML_PARSE_HUGE | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_IGNORE_ENC;
   xmlFreeDoc(xmlCtxtReadMemory(context_, bytes.data(), static_cast<int>(bytes.size()), nullptr, "UTF-8", kOptions));
   return elements;
 }
